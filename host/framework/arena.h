@@ -14,14 +14,14 @@
 
 namespace framework {
 
-class arena
-{
+class arena {
   public:
     arena() = default;
     arena(const arena &) = delete;
     arena &operator=(const arena &) = delete;
-    arena(arena &&) = default;
-    arena &operator=(arena &&) = default;
+    arena(arena &&other) noexcept;
+    arena &operator=(arena &&other) noexcept;
+    ~arena() = default;
 
     /* `size` bytes, aligned for any object, uninitialised; they stay until the arena goes. */
     void *allocate(std::size_t size);
@@ -32,13 +32,24 @@ class arena
     /* Takes over a buffer that trees point into (a parsed document, say). */
     void keep(std::shared_ptr<const void> buffer);
 
-    /* Bytes handed out so far. */
+    /* Bytes handed out so far, alignment included. */
     std::size_t used() const { return used_; }
 
+    /*
+     * Test aid: every addition to a tree then moves the child array and overwrites the old one, so that whoever holds
+     * a node over an addition reads garbage (and is caught by the address sanitizer).
+     */
+    void set_poison(bool on) { poison_ = on; }
+    bool poison() const { return poison_; }
+
   private:
+    std::byte *take(std::size_t size);
+    std::byte *open_block(std::size_t size);
+
     std::byte *next_ = nullptr;
     std::size_t left_ = 0;
     std::size_t used_ = 0;
+    bool poison_ = false;
     std::vector<std::unique_ptr<std::byte[]>> blocks_;
     std::vector<std::shared_ptr<const void>> kept_;
 };
