@@ -1,6 +1,6 @@
 /*
- * The system-database client. The database is a tree of items addressed by path ("/oper/inventory/gl/entity/<key>/...");
- * an item is a parcel (parcel.h).
+ * The system-database client. The database is a tree of items addressed by path
+ * ("/oper/inventory/gl/entity/<key>/..."); an item is a parcel (parcel.h).
  *
  * Compiles alone as C11 and as C++20.
  */
