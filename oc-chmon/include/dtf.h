@@ -81,6 +81,8 @@ struct dtf_datatree {
     /* Edit operation of a request node, in the order of the NETCONF edit operations (RFC 6241, 7.2): 0 merge,
      * 1 replace, 2 create, 3 delete, 4 remove. Plug-in writes 0, 1, 3 and 4. */
     uint32_t operation;
+    /* Which source node an added node stands for, as the framework numbers them; 0 none. The framework's own. */
+    uint32_t source_index;
     /* First element of the child array; holds when DTF_FLAG_HAS_SUBTREE is set. Plug-in writes it while it parks a
      * subtree, and puts it back. */
     struct dtf_datatree *children;
