@@ -1,0 +1,169 @@
+#!/usr/bin/env python3
+"""What holds of the built plug-in and of its headers, read from the files themselves.
+
+usage: check_plugin.py LIBRARY INCLUDE_FOLDER FRAMEWORK_LIBRARY [unittest arguments]
+(FRAMEWORK_LIBRARY may be "-" where only the plug-in was built: what needs it is skipped then, by name.)
+"""
+
+import ctypes
+import os
+import pathlib
+import re
+import resource
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+LIBRARY, INCLUDES, FRAMEWORK = sys.argv[1:4]
+HEADERS = sorted(path.name for path in pathlib.Path(INCLUDES).glob("*.h"))
+ALLOCATORS = re.compile(r"(m|c|re|p?v)alloc|reallocarray|aligned_alloc|posix_memalign|memalign|w?cs(n?)dup|strn?dup|"
+                        r"v?asprintf|getline|getdelim|open_memstream|_Zn[wa].*")
+# What the C and C++ runtimes give: names with their versions, and the hooks every library of the compiler's refers to.
+RUNTIME = re.compile(r".+@(GLIBC|GLIBCXX|CXXABI|GCC)_[0-9.]+|_ITM_(de)?registerTMCloneTable|__gmon_start__|__cxa_finalize.*")
+
+
+def output_of(*command):
+    return subprocess.run(command, check=True, capture_output=True, text=True).stdout
+
+
+def declared_in(header):
+    """Names of the functions and data that one header declares itself, what it includes left out."""
+    own, lines = False, []
+    for line in output_of("gcc", "-E", "-std=c11", f"-I{INCLUDES}", f"{INCLUDES}/{header}").splitlines():
+        if marker := re.match(r'# \d+ "([^"]*)"', line):
+            own = os.path.basename(marker[1]) == header
+        elif own and not line.startswith("#"):
+            lines.append(line)
+    text = re.sub(r"__attribute__\s*\(\(.*?\)\)\)", "", " ".join(lines))
+    while "{" in text:
+        text = re.sub(r"\{[^{}]*\}", "", text)
+    names = set()
+    for declaration in text.split(";"):
+        if "typedef" in declaration:
+            continue
+        if found := re.search(r"(\w+)\s*\(", declaration) or re.search(r"\bextern\b.*?(\w+)\s*(\[\])?\s*$", declaration):
+            names.add(found[1])
+    return names
+
+
+def symbols(*options):
+    """(name with version, kind) for each dynamic symbol that nm lists."""
+    lines = output_of("nm", "-D", *options, LIBRARY).splitlines()
+    return [(fields[-1], fields[-2]) for fields in (line.split() for line in lines)]
+
+
+class headers(unittest.TestCase):
+    def test_each_compiles_alone(self):
+        runs = 0
+        for compiler, standard in (("gcc", "c11"), ("clang-14", "c11"), ("g++", "c++20"), ("clang++-14", "c++20")):
+            if not shutil.which(compiler):
+                continue
+            for header in HEADERS:
+                language = "c" if standard == "c11" else "c++"
+                # Included twice, so that a header without its guard is seen too.
+                text = f'#include "{header}"\n#include "{header}"\nextern int unused;\n'
+                run = subprocess.run(
+                    [compiler, f"-std={standard}", "-x", language, "-Wall", "-Wextra", "-Wpedantic", "-Werror",
+                     f"-I{INCLUDES}", "-fsyntax-only", "-"], input=text, text=True, capture_output=True)
+                self.assertEqual((run.returncode, run.stderr), (0, ""), f"{compiler} {header}")
+                runs += 1
+        self.assertGreaterEqual(runs, 2 * 5)
+
+
+class dynamic_symbols(unittest.TestCase):
+    maxDiff = None
+
+    def test_exports_exactly_what_its_header_declares(self):
+        exported = {name for name, _ in symbols("--defined-only")}
+        self.assertGreaterEqual(len(exported), 90)
+        self.assertEqual(exported, declared_in("oc_chmon.h"))
+
+    def test_needs_exactly_the_contract_and_the_runtime(self):
+        contract = {"access"}.union(*(declared_in(header) for header in ("dtf.h", "parcel.h", "ostore.h")))
+        needed = {name for name, _ in symbols("--undefined-only")}
+        from_host = {name for name in needed if not RUNTIME.fullmatch(name)}
+        from_host |= {name.partition("@")[0] for name in needed} & {"access"}
+        self.assertEqual(from_host, contract)
+
+    def test_client_and_records_are_weak(self):
+        weak = {name for name, kind in symbols("--undefined-only") if kind in "wv"}
+        self.assertLessEqual(declared_in("ostore.h") | declared_in("parcel.h"), weak)
+        self.assertFalse(weak & declared_in("dtf.h"))
+
+    def test_allocates_nothing_and_throws_nothing(self):
+        needed = {name.partition("@")[0] for name, _ in symbols("--undefined-only")}
+        self.assertEqual({name for name in needed if ALLOCATORS.fullmatch(name)}, set())
+        self.assertEqual({name for name in needed if re.match(r"_Unwind_|__gxx_|__cxa_(throw|alloc|begin|end)", name)}, set())
+        self.assertIn("__assert_fail", needed)
+
+
+class sections(unittest.TestCase):
+    def test_full_relro_without_text_relocations(self):
+        self.assertIn("GNU_RELRO", output_of("readelf", "-lW", LIBRARY))
+        dynamic = output_of("readelf", "-dW", LIBRARY)
+        self.assertRegex(dynamic, r"\bBIND_NOW\b|FLAGS_1.*\bNOW\b")
+        self.assertNotIn("TEXTREL", dynamic)
+        self.assertNotRegex(dynamic, r"RPATH|RUNPATH")
+
+    def test_no_exception_tables_no_type_information(self):
+        self.assertNotIn(".gcc_except_table", output_of("readelf", "-SW", LIBRARY))
+        self.assertNotRegex(output_of("nm", LIBRARY), r"\b_ZT[ISV]")
+
+
+def in_child(action):
+    """Runs `action` in a process of its own; its wait status and what it wrote to standard error."""
+    with tempfile.TemporaryFile() as errors:
+        child = os.fork()
+        if child == 0:
+            os.dup2(errors.fileno(), 2)
+            resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+            try:
+                os._exit(action() or 0)
+            except BaseException as fault:  # the child must never come back into the test runner
+                os.write(2, str(fault).encode())
+                os._exit(99)
+        status = os.waitpid(child, 0)[1]
+        errors.seek(0)
+        return status, errors.read().decode(errors="replace")
+
+
+@unittest.skipIf(FRAMEWORK == "-", "libdtf.so is not part of this build")
+class loaded(unittest.TestCase):
+    """In a process that has the framework's library and no system-database client."""
+
+    @staticmethod
+    def load():
+        framework = ctypes.CDLL(FRAMEWORK, os.RTLD_NOW | os.RTLD_GLOBAL)
+        return framework, ctypes.CDLL(LIBRARY, os.RTLD_NOW | os.RTLD_LOCAL)
+
+    def test_without_the_client(self):
+        def action():
+            _, plugin = self.load()
+            if hasattr(ctypes.CDLL(None), "_ostore_bind"):
+                raise AssertionError("the client is in this process")
+            name = ctypes.create_string_buffer(20)
+            plugin.convert_ctrl_key_to_chmon_key(b"Ots0/2/0/1", name)
+            # A context of zeros: no log, no trace buffer, no request.
+            context = ctypes.create_string_buffer(4096)
+            kept = plugin.check_controller_name_ots_is_good(context, b"Ots0/2/0/1")
+            return 0 if (name.value, kept) == (b"0/2-CHMON-PRE", 0) else 1
+
+        self.assertEqual(in_child(action), (0, ""))
+
+    def test_null_context_stops_the_process(self):
+        # The native augment handlers and the empty list hook look at nothing.
+        silent = re.compile(r"ymap_xo_.*_parse_augments|ymap_xo_.*ifmgrcfg_list_lvla_.*")
+        functions = sorted(name for name in declared_in("oc_chmon.h") if re.match(r"ymap_|.*_to_(low|high)$|print_data$", name)
+                           and not silent.match(name))
+        self.assertGreaterEqual(len(functions), 70)
+        for function in functions:
+            status, text = in_child(lambda: getattr(self.load()[1], function)(None, None, None, None))
+            with self.subTest(function=function, text=text):
+                self.assertEqual(status & 0x7F, signal.SIGABRT)
+                self.assertRegex(text, rf"\w+\.(cpp|h):\d+: \w+ {function}\(.*\): Assertion `NULL != ctx' failed")
+
+
+unittest.main(argv=[sys.argv[0], *sys.argv[4:]])
