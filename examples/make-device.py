@@ -68,8 +68,8 @@ def powers(port, slices, rng, complete):
 
 
 def ots_oper(slices_per_port):
-    """(port, its slices) for every port."""
-    for index, port in enumerate(PORTS):
+    """(port, its slices) for every port; in measurements the monitors' ports alone."""
+    for index, port in enumerate(PORTS[:len(MONITORS)] if slices_per_port else PORTS):
         rng = random.Random(4711 + index)
         slices = even(slices_per_port) if slices_per_port else flexgrid(rng)
         yield port, powers(port, slices, rng, complete=slices_per_port is not None)

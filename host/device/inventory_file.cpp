@@ -1,0 +1,88 @@
+#include "device/inventory_file.h"
+
+#include "device/schema.h"
+
+#include <algorithm>
+#include <set>
+#include <simdjson.h>
+
+namespace device {
+namespace {
+
+constexpr std::size_t longest_monitor_name = 19;
+
+[[noreturn]] void refuse(std::string_view file, const std::string &cause)
+{
+    throw invalid_document(std::string(file) + ": " + cause);
+}
+
+/// A value of the file as a message can show it: one line, not too long.
+std::string shown(simdjson::dom::element value)
+{
+    std::string text = simdjson::minify(value);
+    return text.size() > 60 ? text.substr(0, 60) + " ..." : text;
+}
+
+simdjson::dom::array members(simdjson::dom::element document, std::string_view file)
+{
+    simdjson::dom::object object;
+    if (document.get(object) != simdjson::SUCCESS) {
+        refuse(file, "an inventory is an object {\"inventory\": [...]}");
+    }
+    for (const auto member : object) {
+        if (member.key != "inventory") {
+            refuse(file, "unknown member \"" + std::string(member.key) + "\": an inventory has \"inventory\" alone");
+        }
+    }
+    if (object.size() != 1) {
+        refuse(file, "an inventory has one member \"inventory\", here are " + std::to_string(object.size()));
+    }
+    simdjson::dom::array names;
+    if (object["inventory"].get(names) != simdjson::SUCCESS) {
+        refuse(file, "/inventory: not an array of monitor names");
+    }
+    return names;
+}
+
+} // namespace
+
+bool is_monitor_name(std::string_view name)
+{
+    constexpr std::string_view chassis = "0/";
+    if (name.size() > longest_monitor_name || !name.starts_with(chassis)) {
+        return false;
+    }
+    const auto dash = name.find('-');
+    if (dash == std::string_view::npos) {
+        return false;
+    }
+    const std::string_view slot = name.substr(chassis.size(), dash - chassis.size());
+    const std::string_view rest = name.substr(dash);
+    return !slot.empty() && std::all_of(slot.begin(), slot.end(), [](char c) { return c >= '0' && c <= '9'; }) &&
+           (slot.size() == 1 || slot.front() != '0') && (rest == "-CHMON-BST" || rest == "-CHMON-PRE");
+}
+
+std::vector<std::string> read_inventory(const std::string &text, std::string_view file)
+{
+    simdjson::dom::parser parser;
+    simdjson::dom::element document;
+    if (const auto error = parser.parse(text).get(document); error != simdjson::SUCCESS) {
+        refuse(file, std::string("not JSON: ") + simdjson::error_message(error));
+    }
+    std::vector<std::string> names;
+    std::set<std::string_view> seen;
+    for (const auto element : members(document, file)) {
+        const std::string place = "/inventory/" + std::to_string(names.size()) + ": ";
+        std::string_view name;
+        if (element.get(name) != simdjson::SUCCESS || !is_monitor_name(name)) {
+            refuse(file, place + shown(element) + " is no monitor name (0/SLOT-CHMON-BST or 0/SLOT-CHMON-PRE)");
+        }
+        if (!seen.insert(name).second) {
+            refuse(file, place + shown(element) + " stands twice");
+        }
+        names.emplace_back(name);
+    }
+    return names;
+}
+
+} // namespace device

@@ -1,0 +1,120 @@
+#include "device/schema.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <libyang/libyang.h>
+#include <regex>
+
+namespace device {
+namespace {
+
+constexpr const char *module_names[] = {"openconfig-channel-monitor", "Vantra-TALIN-controller-kestrel-ots-oper",
+                                        "Vantra-TALIN-ifmgr-cfg"};
+
+/// Messages quote values, and a value may be a page long or hold line ends: an error is one line of bounded length.
+std::string one_line(std::string text)
+{
+    constexpr std::size_t longest = 300;
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
+    if (text.size() > longest) {
+        text = text.substr(0, longest / 2) + " ... " + text.substr(text.size() - longest / 2);
+    }
+    while (!text.empty() && (text.back() == '.' || text.back() == ' ')) {
+        text.pop_back();
+    }
+    return text;
+}
+
+/// First group of a pattern in libyang's description of a place, empty when it is not there.
+std::string part_of(const std::string &place, const char *pattern)
+{
+    std::smatch found;
+    return std::regex_search(place, found, std::regex(pattern)) ? found[1].str() : std::string();
+}
+
+/// libyang's last error as "line 12, /path: cause"; the data path is preferred to the schema path, for it has the keys.
+std::string last_error(const ly_ctx *context)
+{
+    const ly_err_item *error = ly_err_first(context);
+    if (error == nullptr) {
+        return "cause unknown";
+    }
+    error = error->prev; // the list is a ring: the first's predecessor is the latest
+    const std::string place = error->path == nullptr ? "" : error->path;
+    const std::string line = part_of(place, "[Ll]ine number ([0-9]+)");
+    std::string path = part_of(place, "[Dd]ata location \"([^\"]*)");
+    if (path.empty()) {
+        path = part_of(place, "[Ss]chema location \"([^\"]*)");
+    }
+    if (line.empty() && path.empty()) {
+        path = place;
+    }
+    std::string where = line.empty() ? "" : "line " + line;
+    if (!path.empty()) {
+        where += (where.empty() ? "" : ", ") + path;
+    }
+    return one_line((where.empty() ? "" : where + ": ") + (error->msg == nullptr ? "cause unknown" : error->msg));
+}
+
+} // namespace
+
+void context_deleter::operator()(ly_ctx *context) const { ly_ctx_destroy(context); }
+
+void data_deleter::operator()(lyd_node *first) const { lyd_free_all(first); }
+
+std::filesystem::path schema::default_folder()
+{
+    if (const char *chosen = std::getenv("CHMON_YANG"); chosen != nullptr && *chosen != '\0') {
+        return chosen;
+    }
+    std::error_code unreadable;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", unreadable);
+    const auto installed = program.parent_path().parent_path() / "share/chmon/yang";
+    return std::filesystem::is_directory(installed, unreadable) ? installed : std::filesystem::path(CHMON_YANG_FOLDER);
+}
+
+schema::schema(const std::filesystem::path &folder)
+{
+    if (!std::filesystem::is_directory(folder)) {
+        throw std::runtime_error(folder.string() + ": no folder of YANG modules there ($CHMON_YANG can name another)");
+    }
+    // Errors are kept for last_error(), not printed: only the caller knows what to say to whom.
+    ly_log_options(LY_LOSTORE);
+    ly_ctx *context = nullptr;
+    if (ly_ctx_new(folder.c_str(), LY_CTX_DISABLE_SEARCHDIR_CWD | LY_CTX_NO_YANGLIBRARY, &context) != LY_SUCCESS) {
+        throw std::runtime_error(folder.string() + ": libyang cannot be started");
+    }
+    context_.reset(context);
+    for (const char *module : module_names) {
+        if (ly_ctx_load_module(context, module, nullptr, nullptr) == nullptr) {
+            throw std::runtime_error(folder.string() + ": module " + module + ": " + last_error(context));
+        }
+    }
+}
+
+void schema::validate(const std::string &text, format written_as, check how, std::string_view name) const
+{
+    parse(text, written_as, how, name);
+}
+
+data_tree schema::parse(const std::string &text, format written_as, check how, std::string_view name) const
+{
+    // libyang reads to the first NUL, and would take what stands before it for the whole document.
+    if (const auto nul = text.find('\0'); nul != std::string::npos) {
+        throw invalid_document(std::string(name) + ": byte " + std::to_string(nul) + " is NUL: not a text");
+    }
+    ly_err_clean(context_.get(), nullptr);
+    lyd_node *first = nullptr;
+    const LYD_FORMAT language = written_as == format::xml ? LYD_XML : LYD_JSON;
+    const uint32_t parsing = LYD_PARSE_STRICT | (how == check::types ? LYD_PARSE_ONLY : 0U);
+    const uint32_t validation = how == check::whole ? LYD_VALIDATE_PRESENT : 0U;
+    const LY_ERR result = lyd_parse_data_mem(context_.get(), text.c_str(), language, parsing, validation, &first);
+    data_tree tree(first);
+    if (result != LY_SUCCESS) {
+        throw invalid_document(std::string(name) + ": " + last_error(context_.get()));
+    }
+    return tree;
+}
+
+} // namespace device
