@@ -43,8 +43,7 @@ extern "C" {
 #pragma GCC visibility push(default)
 #endif
 
-/* ------------------------------------------------------- native to OpenConfig:
- * Vantra-TALIN-controller-kestrel-ots-oper -- */
+/* -------------------------------------- native to OpenConfig: Vantra-TALIN-controller-kestrel-ots-oper -- */
 
 /* Augment handlers of both native models skip the node: FAULT_SUCCESS, without check or report. List walkers answer
  * FAULT_SKIP_ENTRY for an entry that is dropped; the container walkers above them go on with the next. */
