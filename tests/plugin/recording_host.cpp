@@ -1,0 +1,683 @@
+#include "recording_host.h"
+#include <algorithm>
+#include <cstdarg>
+#include <cstdlib>
+#include <cstring>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#if defined(__has_feature)
+#define RECORDING_ASAN __has_feature(address_sanitizer)
+#elif defined(__SANITIZE_ADDRESS__)
+#define RECORDING_ASAN 1
+#else
+#define RECORDING_ASAN 0
+#endif
+#if RECORDING_ASAN
+#include <sanitizer/asan_interface.h>
+#endif
+
+namespace recording {
+
+host *current = nullptr;
+
+namespace {
+
+/* What is known of a reporting place's word, by its address; and the word of a place. Words outlive every host. */
+std::map<uint32_t *, std::pair<uint32_t, std::string>> place_of_word;
+std::map<std::string, uint32_t *> word_of_place;
+bool library_found = false;
+
+DTF_PRINTF_LIKE(1, 0) std::string printed_list(const char *format, va_list arguments)
+{
+    va_list again;
+    va_copy(again, arguments);
+    std::string text(static_cast<std::size_t>(std::vsnprintf(nullptr, 0, format, arguments)), '\0');
+    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    va_end(again);
+    return text;
+}
+
+std::string quoted(const char *text) { return text == nullptr ? "null" : '"' + std::string(text) + '"'; }
+
+std::string ns_name(const char *ns)
+{
+    const std::map<std::string, std::string> known = {{CHMON_NS_OPENCONFIG_CHANNEL_MONITOR, "oc"},
+                                                      {CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER, "ots"},
+                                                      {CHMON_NS_VANTRA_TALIN_IFMGR_CFG, "ifmgr"}};
+    return ns != nullptr && known.contains(ns) ? known.at(ns) : quoted(ns);
+}
+
+/* The host of a call, which must be given that host's own context. */
+host &at(dtf_map_ctx ctx)
+{
+    current->violate(ctx != &current->context, "foreign context");
+    return *current;
+}
+
+} // namespace
+
+std::string printed(const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    std::string text = printed_list(format, arguments);
+    va_end(arguments);
+    return text;
+}
+
+host::host(const std::vector<std::string> &inventory)
+{
+    context.req_ctx = &state;
+    state.req = &request;
+    request.data_input = 10;
+    context.debug_filter.levels = 1u << DTF_LEVEL_ERR | 1u << DTF_LEVEL_TRC;
+    context.err_log = &lines;
+    context.trc_log = &additions;
+    context.trace_ring = &reports;
+    context.trace_on = 1;
+    names[&out] = "out";
+    for (const std::string &monitor : inventory) {
+        const std::string entity = std::string(monitor).replace(monitor.find('/'), 1, "%2f");
+        items["/oper/inventory/gl/entity/" + entity + "/attrib/inv_basic_parcel"] = {
+            {14, "inv_phy_entity_basic_info"}, {5, "Index", {}, 7}, {12, "Name", monitor}, {15}, {18}};
+    }
+    current = this;
+}
+
+host::~host()
+{
+    for (void *copy : copies)
+        std::free(copy);
+    for (void *text : token_texts)
+        std::free(text);
+    current = current == this ? nullptr : current;
+}
+
+void host::violate(bool broken, const std::string &what)
+{
+    if (broken)
+        violations.push_back(what + ", after line " + std::to_string(lines.size()));
+}
+
+void host::note(const std::string &line)
+{
+    finish_report();
+    lines.push_back(line);
+}
+
+/* A report is over when anything else happens: both sinks must have had it by then. */
+void host::finish_report()
+{
+    violate(drawn.has_value() || asked_level.has_value(), "report left unfinished");
+    drawn.reset();
+    asked_level.reset();
+}
+
+bool host::fails(bool copy)
+{
+    if (copy != fail_copies)
+        return false;
+    ++calls;
+    return fail_at != 0 && (calls == fail_at || (fail_on && calls > fail_at));
+}
+
+std::string host::name(const dtf_datatree *node) const
+{
+    const auto found = names.find(node);
+    return node == nullptr ? "null" : found == names.end() ? "unknown" : found->second;
+}
+
+const char *host::keep(std::string_view text)
+{
+    texts.push_back(std::make_unique<char[]>(text.size() + 1));
+    text.copy(texts.back().get(), text.size());
+    return texts.back().get();
+}
+
+/* Fills `node` from the text at p and leaves *end behind it. */
+std::string host::sprout(dtf_datatree &node, const char *p, const char *ns, const char **end)
+{
+    std::string word(p, std::strcspn(p, " {}=@"));
+    p += word.size();
+    const auto prefix = word.substr(0, word.find(':') == std::string::npos ? 0 : word.find(':') + 1);
+    node.ns = prefix == "x:" ? "urn:foreign" : prefix == "-:" ? nullptr : ns;
+    node.tag = word.substr(prefix.size()) == "?" ? nullptr : keep(word.substr(prefix.size()));
+    node.flags = DTF_FLAG_VALID;
+    if (*p == '@') {
+        node.operation = static_cast<uint32_t>(p[1] - '0');
+        node.flags |= DTF_FLAG_OP_SET;
+        p += 2;
+    }
+    if (*p == '=') {
+        const std::size_t length = std::strcspn(++p, " {}");
+        node.value = keep({p, length});
+        node.flags |= DTF_FLAG_HAS_VALUE;
+        p += length;
+    }
+    if (*p == '{') {
+        auto &children = *arrays.emplace_back(std::make_unique<std::vector<dtf_datatree>>());
+        for (p += 1 + std::strspn(p + 1, " "); *p != '}'; p += std::strspn(p, " "))
+            sprout(children.emplace_back(), std::string_view(p).data(), ns, &p);
+        ++p;
+        node.flags |= DTF_FLAG_HAS_SUBTREE;
+        node.children = children.data();
+        node.child_count = static_cast<uint32_t>(children.size());
+    }
+    *end = p;
+    return word;
+}
+
+void host::number(dtf_datatree &node)
+{
+    names[&node] = (node.tag == nullptr ? "?" : node.tag) + ("#" + std::to_string(nodes.size()));
+    nodes.push_back(&node);
+    for (uint32_t i = 0; i < node.child_count; ++i)
+        number(node.children[i]);
+}
+
+dtf_datatree *host::plant(const std::string &text, const char *ns)
+{
+    auto &root = *arrays.emplace_back(std::make_unique<std::vector<dtf_datatree>>(1));
+    const char *end = nullptr;
+    sprout(root[0], text.c_str(), ns, &end);
+    number(root[0]);
+    return root.data();
+}
+
+dtf_datatree *host::append(dtf_datatree &parent, const char *tag, const char *ns)
+{
+    auto &children = *arrays.emplace_back(std::make_unique<std::vector<dtf_datatree>>());
+    const bool any = (parent.flags & DTF_FLAG_HAS_SUBTREE) != 0 && parent.children != nullptr;
+    children.reserve((any ? parent.child_count : 0) + 1);
+    for (uint32_t i = 0; any && i < parent.child_count; ++i) {
+        dtf_datatree &moved = children.emplace_back(parent.children[i]);
+        names[&moved] = names[&parent.children[i]];
+        std::replace(nodes.begin(), nodes.end(), &parent.children[i], &moved);
+        names.erase(&parent.children[i]);
+        if (poison)
+            std::memset(&parent.children[i], 0xa5, sizeof moved);
+    }
+    dtf_datatree &created = children.emplace_back();
+    created.tag = keep(tag);
+    created.ns = ns;
+    created.flags = DTF_FLAG_VALID;
+    number(created);
+    parent.children = children.data();
+    parent.child_count = static_cast<uint32_t>(children.size());
+    parent.flags |= DTF_FLAG_HAS_SUBTREE;
+    return &created;
+}
+
+const void *host::parcel(const std::vector<token> &tokens)
+{
+    parcels.push_back(std::make_unique<std::vector<token>>(tokens));
+    auto &block = *reinterpret_cast<const std::vector<token> **>(
+        texts.emplace_back(std::make_unique<char[]>(sizeof(void *))).get());
+    block = parcels.back().get();
+    return &block;
+}
+
+std::string host::text(const std::string &without) const
+{
+    std::string all;
+    for (const auto &line : lines)
+        if ((' ' + without + ' ').find(' ' + line.substr(0, line.find(' ')) + ' ') == std::string::npos)
+            all += line + '\n';
+    return all;
+}
+
+std::string host::added() const
+{
+    std::string all;
+    for (const auto &add : additions)
+        all += add.path + (add.value ? '=' + *add.value : "") + (add.new_list_entry != 0 ? " new\n" : "\n");
+    return all;
+}
+
+std::string host::dump(const dtf_datatree *node, const std::string &indent) const
+{
+    std::string all =
+        indent + printed("%s %s ns=%s op=%u count=%u kind=%u/%x key=%u error=%u flags=%x\n", name(node).c_str(),
+                         quoted(node->value).c_str(), ns_name(node->ns).c_str(), node->operation, node->child_count,
+                         node->node_kind, node->kind_flags, node->is_key, node->error_kind, node->flags);
+    for (uint32_t i = 0; node->children != nullptr && i < node->child_count; ++i)
+        all += dump(&node->children[i], indent + "  ");
+    return all;
+}
+
+void block_freed(void *block)
+{
+    if (current != nullptr)
+        current->blocks.erase(block);
+}
+
+std::string host::imbalance()
+{
+    finish_report();
+#if RECORDING_ASAN
+    std::erase_if(blocks, [](void *block) { return __asan_address_is_poisoned(block) != 0; });
+#endif
+    violate(state.hierarchy_len != 0, "hierarchy not empty");
+    violate(!output_list.empty(), "entries left in the output list");
+    violate(!itree.empty(), "instance-tree stack not empty");
+    violate(decoded != released,
+            "tokens decoded " + std::to_string(decoded) + ", released " + std::to_string(released));
+    violate(walks != 0, "walk not ended");
+    violate(!binds.empty(), "binding not released");
+    violate(!blocks.empty(), "data block not freed");
+    violate(copies != (state.error_tag == nullptr ? std::set<void *>{} : std::set<void *>{state.error_tag}),
+            "error_tag is not the one live copy");
+    std::string all;
+    for (const auto &violation : violations)
+        all += violation + '\n';
+    return all;
+}
+
+/* A report's first line in either sink; a second one of the same report only completes it. */
+void host::reported(const char *level, const std::string &message)
+{
+    reports.push_back({level, message});
+    lines.push_back(std::string(level) + ' ' + message);
+}
+
+} // namespace recording
+
+using namespace recording;
+
+#if !RECORDING_ASAN
+/* Sees the plug-in free its data blocks; ASan builds see it by the poisoned block instead. */
+static void (*real_free)(void *) = nullptr;
+__attribute__((constructor)) static void find_free()
+{
+    real_free = reinterpret_cast<void (*)(void *)>(dlsym(RTLD_NEXT, "free"));
+}
+static thread_local bool within_free = false;
+extern "C" void free(void *block)
+{
+    if (real_free == nullptr)
+        return; // before the first statement of the program; at most a few bytes
+    if (block != nullptr && !within_free) {
+        within_free = true;
+        recording::block_freed(block);
+        within_free = false;
+    }
+    real_free(block);
+}
+#endif
+
+extern "C" {
+
+int dtf_debug_should_log(struct dtf_debug_filter *filter, uint32_t level)
+{
+    current->finish_report();
+    current->violate(filter != &current->context.debug_filter, "foreign filter");
+    ++current->should_log_calls;
+    const bool wanted = (filter->levels >> level & 1) != 0;
+    if (wanted)
+        current->asked_level = level;
+    return wanted ? 0x100 : 0;
+}
+
+void _plat_dt_log_filter_adv(void *log, uint32_t a, uint32_t b, uint32_t c, uint32_t d, uint32_t e, uint32_t *site_word,
+                             const char *format, ...)
+{
+    host &h = *current;
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string line = printed_list(format, arguments);
+    va_end(arguments);
+    const bool err = log == h.context.err_log;
+    const std::string start = printed("%s: DTF: ctx=%p,", err ? "ERR" : "TRC", static_cast<void *>(&h.context));
+    h.violate(!err && log != h.context.trc_log, "unknown log");
+    h.violate((a | b | c | d | e) != 0, "words not zero");
+    h.violate(!line.starts_with(start) || std::string(format).find("%p,") == std::string::npos, "log line " + line);
+    h.violate(h.asked_level != (err ? DTF_LEVEL_ERR : DTF_LEVEL_TRC), "logged without asking");
+    h.asked_level.reset();
+    h.reported(err ? "ERR" : "TRC", line.substr(std::min(start.size(), line.size())));
+    h.reports.back().logged = true;
+    h.reports.back().format = format;
+    h.reports.back().site_word = site_word;
+    const auto seen = place_of_word.try_emplace(site_word, 0xffffffff, format);
+    auto &[state, known_format] = seen.first->second;
+    h.violate(*site_word != state, printed("site word %x for %x", *site_word, state));
+    h.violate(known_format != format, "site word shared by " + known_format + " and " + format);
+    *site_word = state = static_cast<uint32_t>(place_of_word.size());
+}
+
+uint32_t ret_nc_dtf_trace_index_incr(void)
+{
+    static uint32_t index = 0xfffffff0;
+    current->violate(current->drawn.has_value() || current->context.trace_on == 0, "index drawn for nothing");
+    ++current->indices_drawn;
+    current->drawn = ++index;
+    return index;
+}
+
+void _ringlog(void *trace_ring, uint64_t tag, const char *line)
+{
+    host &h = *current;
+    char level[4] = "", function[200] = "";
+    unsigned index = 0;
+    int number = 0;
+    const int read = std::sscanf(line, "#%u: %3s: %199[^:]:%d ctx=", &index, level, function, &number);
+    // A wanted level has just gone to the debug log; the filter alone says whether this report did.
+    const bool logged =
+        (h.context.debug_filter.levels >> (std::string(level) == "ERR" ? DTF_LEVEL_ERR : DTF_LEVEL_TRC) & 1) != 0;
+    const std::string start =
+        printed("#%u: %s: %s:%d ctx=%p,", index, level, function, number, static_cast<void *>(&h.context));
+    h.violate(std::strlen(line) > 249, "trace line too long");
+    if (!logged)
+        h.reported(level, std::string(line).substr(std::min(start.size(), std::strlen(line))));
+    if (h.reports.empty())
+        return h.violate(true, "trace line without report");
+    report &r = h.reports.back();
+    h.violate(read != 4 || trace_ring != h.context.trace_ring || tag != 0x10101000000, "trace call");
+    h.violate(r.traced || r.logged != logged || h.drawn != index, "trace line out of order");
+    h.violate(line != (start + r.text).substr(0, 249), "trace line " + std::string(line));
+    h.drawn.reset();
+    r.traced = true;
+    r.function = function;
+    r.line = number;
+    h.lines.back() = r.level + ' ' + function + ": " + r.text;
+    const std::string place = r.function + ':' + std::to_string(number) + ' ' + r.format;
+    if (logged && word_of_place.try_emplace(place, r.site_word).first->second != r.site_word)
+        h.violate(true, "two site words for " + place);
+    static std::map<uint32_t *, std::string> place_of;
+    if (logged && place_of.try_emplace(r.site_word, place).first->second != place)
+        h.violate(true, "site word shared by " + place + " and " + place_of[r.site_word]);
+}
+
+void dtf_oc_error_path(dtf_map_ctx ctx) { at(ctx).note("error_path " + quoted(ctx->req_ctx->error_tag)); }
+
+void dtf_map_add_to_node_hierarchy(dtf_map_ctx ctx, const struct dtf_datatree *node, uint32_t kind)
+{
+    host &h = at(ctx);
+    h.note(printed("push %s %u", h.name(node).c_str(), kind));
+    if (h.state.hierarchy_len < DTF_HIERARCHY_MAX)
+        h.state.hierarchy[h.state.hierarchy_len++].node_data = node;
+}
+
+void dtf_map_remove_from_node_hierarchy(dtf_map_ctx ctx, const struct dtf_datatree *node)
+{
+    host &h = at(ctx);
+    h.note("pop " + h.name(node));
+    if (h.state.hierarchy_len == 0 || h.state.hierarchy[h.state.hierarchy_len - 1].node_data != node)
+        return h.violate(true, "popped what is not on top: " + h.name(node));
+    h.state.hierarchy[--h.state.hierarchy_len].node_data = nullptr;
+}
+
+faultno dtf_map_update_current_list_node(dtf_map_ctx ctx, const char *schema_path)
+{
+    at(ctx).note(printed("current %s", schema_path));
+    return current->fails() ? current->fail_code : 0;
+}
+
+void dtf_add_to_output_list_ctx(dtf_map_ctx ctx, const struct dtf_datatree *entry, struct dtf_datatree *out)
+{
+    host &h = at(ctx);
+    h.note("list_in " + h.name(entry) + ' ' + h.name(out));
+    if (h.fails())
+        return;
+    h.output_list.push_back(entry);
+    ++h.state.output_list_len;
+}
+
+void dtf_remove_from_output_list_ctx(dtf_map_ctx ctx, const struct dtf_datatree *entry, struct dtf_datatree *out)
+{
+    host &h = at(ctx);
+    h.note("list_out " + h.name(entry) + ' ' + h.name(out));
+    if (h.output_list.empty() || h.output_list.back() != entry)
+        return h.violate(true, "withdrawn what is not last in the output list: " + h.name(entry));
+    h.output_list.pop_back();
+    --h.state.output_list_len;
+}
+
+int dtf_map_do_these_match(const char *a, const char *b)
+{
+    current->note("match " + quoted(a) + ' ' + quoted(b));
+    return a != nullptr && b != nullptr && std::strcmp(a, b) == 0 ? 0x100 : 0;
+}
+
+faultno dtf_map_datatree_add_path_flagged(dtf_map_ctx ctx, struct dtf_datatree *tree, const char *path, const char *ns,
+                                          const char *value, const struct dtf_datatree *source,
+                                          struct dtf_datatree **created, uint32_t new_list_entry, uint32_t ninth)
+{
+    host &h = at(ctx);
+    h.note(printed("add %s %s %s %s source=%s created=%d new=%u ninth=%u", h.name(tree).c_str(), path,
+                   ns_name(ns).c_str(), quoted(value).c_str(), h.name(source).c_str(), created != nullptr,
+                   new_list_entry, ninth));
+    const faultno code = h.fails() ? h.fail_code : 0;
+    h.additions.push_back({h.name(tree), path, ns_name(ns), value == nullptr ? text_or_null{} : text_or_null{value},
+                           h.name(source), created != nullptr, new_list_entry, ninth, code});
+    if (code != 0)
+        return code;
+    dtf_datatree *node = tree == &h.out ? nullptr : h.append(*tree, path, ns);
+    if (created != nullptr)
+        *created = node;
+    if (h.on_add)
+        h.on_add(h, h.additions.back());
+    return 0;
+}
+
+int dtf_map_is_request_delete(const struct dtf_datatree *node)
+{
+    current->note("is_delete " + current->name(node));
+    return node->operation == 3 || node->operation == 4 ? 0x100 : 0;
+}
+
+int dtf_map_is_request_add(dtf_map_ctx ctx, const struct dtf_datatree *node)
+{
+    host &h = at(ctx);
+    h.note("is_add " + h.name(node));
+    return h.request.data_input != 0 && h.request.data_input != 10 && node->operation <= 2 ? 0x100 : 0;
+}
+
+int dtf_map_check_oc_leafref(dtf_map_ctx ctx, const char *list_path, const char *container, const char *key_tag,
+                             const struct dtf_datatree *entry)
+{
+    host &h = at(ctx);
+    h.note(printed("leafref %s %s %s %s", list_path, container, key_tag, h.name(entry).c_str()));
+    return static_cast<int>(h.fails() ? h.fail_code : h.leafref);
+}
+
+void dtf_map_util_itree_stack_push(dtf_map_ctx ctx, struct dtf_datatree *children, uint32_t count,
+                                   dtf_itree_callback callback)
+{
+    host &h = at(ctx);
+    h.note(printed("itree_push %s %u callback=%d", h.name(children).c_str(), count, callback != nullptr));
+    h.itree.push_back({children, count, callback});
+}
+
+void dtf_map_util_itree_stack_pop(dtf_map_ctx ctx)
+{
+    at(ctx).note("itree_pop");
+    current->violate(current->itree.empty(), "instance-tree stack is empty");
+    if (!current->itree.empty())
+        current->itree.pop_back();
+}
+
+void dtf_map_util_itree_stack_peak(dtf_map_ctx ctx, struct dtf_itree_entry **entry)
+{
+    at(ctx).note("itree_peak");
+    *entry = current->itree.empty() ? nullptr : &current->itree.back();
+}
+
+uint32_t dtf_map_util_itree_stack_size(dtf_map_ctx ctx)
+{
+    at(ctx).note("itree_size");
+    return static_cast<uint32_t>(current->itree.size());
+}
+
+void dtf_map_print_datatree_internal(dtf_map_ctx ctx, const struct dtf_datatree *tree, const char *label)
+{
+    at(ctx).note(printed("print %s %s", current->name(tree).c_str(), label));
+}
+
+char *dtf_strdup(const char *text, const char *tag)
+{
+    current->note("strdup " + quoted(text) + ' ' + quoted(tag));
+    char *copy = current->fails() ? nullptr : strdup(text);
+    if (copy != nullptr)
+        current->copies.insert(copy);
+    return copy;
+}
+
+void plat_named_free(void *allocation)
+{
+    current->note("named_free " + quoted(static_cast<char *>(allocation)));
+    current->violate(allocation != nullptr && current->copies.erase(allocation) == 0, "freed what is no named copy");
+    std::free(allocation);
+}
+
+int dtf_strncpy_s(const char *function, char *destination, size_t size, const char *source, size_t count)
+{
+    current->note(printed("copy %s %zu %s", function, size, quoted(source).c_str()));
+    const std::string_view text(source == nullptr || current->fails(true) ? "" : source);
+    const size_t wanted = std::min(text.size(), count), fit = std::min(wanted, size - 1);
+    destination[text.copy(destination, fit)] = '\0';
+    return fit == wanted && (source == nullptr || !text.empty() || *source == '\0') ? 0 : 1;
+}
+
+int dtf_strcpy_s(const char *function, char *destination, size_t size, const char *source)
+{
+    return dtf_strncpy_s(function, destination, size, source, SIZE_MAX);
+}
+
+int dtf_strcat_s(const char *function, char *destination, size_t size, const char *source)
+{
+    const size_t used = std::strlen(destination);
+    return dtf_strncpy_s(function, destination + used, size - used, source, SIZE_MAX);
+}
+
+const char *fault_strerror(faultno code)
+{
+    static thread_local char text[20];
+    std::snprintf(text, sizeof text, "fault %08x", code);
+    return text;
+}
+
+int access(const char *path, int mode) noexcept
+{
+    if (std::strcmp(path, "/pkg/lib/libostore.so") != 0 || current == nullptr)
+        return faccessat(AT_FDCWD, path, mode, 0);
+    current->note(printed("access %d", mode));
+    current->violate(library_found, "presence tested again");
+    const bool readable = !current->fails() && current->library_readable;
+    library_found = library_found || readable;
+    return readable ? 0 : -1;
+}
+
+faultno _ostore_bind(void **handle, const char *path, uint32_t options)
+{
+    host &h = *current;
+    h.note(printed("bind %s %u", path, options));
+    h.violate(!library_found, "bind without library");
+    *handle = nullptr;
+    if (h.fails())
+        return h.fail_code;
+    if (!h.null_handle)
+        h.binds.insert(*handle = strdup(path));
+    return 0;
+}
+
+faultno ostore_item_get(void *handle, const char *item, uint32_t *word, void **data, uint32_t *length, uint32_t options)
+{
+    host &h = *current;
+    h.note(printed("get %s %u %u", item, *word, options));
+    *word = 0xdeadbeef;
+    if (!h.binds.contains(handle))
+        return h.violate(true, "get without binding"), 1;
+    const auto found = h.items.find(static_cast<char *>(handle) + std::string(item));
+    if (h.fails() || found == h.items.end())
+        return found == h.items.end() ? 0x8081c205 : h.fail_code;
+    *data = std::malloc(host::parcel_length);
+    std::memcpy(*data, h.parcel(found->second), host::parcel_length);
+    *length = host::parcel_length;
+    h.blocks.insert(*data);
+    return 0;
+}
+
+void _ostore_unbind(void *handle)
+{
+    current->note("unbind");
+    current->violate(current->binds.erase(handle) == 0, "unbound what is not bound");
+    std::free(handle);
+}
+
+faultno parcel_header_info(const void *, parcel_header_td *header)
+{
+    current->note("header");
+    if (current->fails())
+        return current->fail_code;
+    *header = {"inv_basic", 3, -1};
+    return 0;
+}
+
+faultno parcel_generic_init(const void *parcel, uint32_t length, parcel_walk_td *walk)
+{
+    current->note(printed("walk %u", length));
+    if (current->fails())
+        return current->fail_code;
+    std::memset(walk, 0xa5, sizeof *walk);
+    std::memcpy(&walk->state[0], parcel, sizeof(void *));
+    walk->state[1] = 0;
+    ++current->walks;
+    return 0;
+}
+
+faultno parcel_generic_token(parcel_walk_td *walk, parcel_token_td *token)
+{
+    host &h = *current;
+    h.note(printed("token %u", static_cast<unsigned>(walk->state[1])));
+    const auto &tokens = *reinterpret_cast<const std::vector<recording::token> *>(walk->state[0]);
+    if (h.fails() || walk->state[1] >= tokens.size())
+        return walk->state[1] >= tokens.size() ? 0x8081f001 : h.fail_code;
+    const recording::token &next = tokens[walk->state[1]++];
+    const auto owned = [&](const text_or_null &text) -> const char * {
+        return text ? static_cast<char *>(*h.token_texts.insert(strdup(text->c_str())).first) : nullptr;
+    };
+    std::memset(token, 0xa5, sizeof *token);
+    token->type = next.type;
+    token->field_name = owned(next.name);
+    token->second_text = next.type == PARCEL_TOKEN_SECOND_TEXT ? owned(next.text) : nullptr;
+    if (next.type == PARCEL_TOKEN_TEXT)
+        token->value.text = owned(next.text);
+    else
+        token->value.u32 = next.number;
+    ++h.decoded;
+    return 0;
+}
+
+void parcel_generic_free_token_allocations(parcel_token_td *token)
+{
+    host &h = *current;
+    h.note("release " + quoted(token->field_name));
+    const auto release = [&](const char *text) {
+        h.violate(text != nullptr && h.token_texts.erase(const_cast<char *>(text)) == 0, "token released twice");
+        std::free(const_cast<char *>(text));
+    };
+    release(token->field_name);
+    release(token->second_text);
+    if (token->type == PARCEL_TOKEN_TEXT)
+        release(token->value.text);
+    ++h.released;
+}
+
+void parcel_generic_destroy(parcel_walk_td *)
+{
+    current->note("destroy");
+    current->violate(current->walks-- == 0, "walk ended twice");
+}
+
+const char *inet_ntoa_r(uint32_t address)
+{
+    static thread_local char text[16];
+    unsigned char bytes[4];
+    std::memcpy(bytes, &address, 4);
+    std::snprintf(text, sizeof text, "%u.%u.%u.%u", bytes[0], bytes[1], bytes[2], bytes[3]);
+    current->note("inet_ntoa_r");
+    return text;
+}
+}

@@ -1,0 +1,130 @@
+/*
+ * A recording double of everything the plug-in calls: framework, reporting sinks, parcel library, database client.
+ *
+ * Use: make a `host` (it becomes the one that all C operations answer for), plant an input tree, set what it shall
+ * answer, call the plug-in with &host.context and &host.out, then compare lines, additions and reports as a whole, and
+ * ask imbalance() for what was not given back or broke the contract: it is "" after every call of the plug-in.
+ *
+ *     recording::host host({"0/1-CHMON-PRE"});
+ *     dtf_datatree *in = host.plant("channel-monitors{channel-monitor{name=0/1-CHMON-PRE config@3}}", uri);
+ *     host.request.data_input = 10;
+ *
+ * Trees as text: node := [prefix:]tag[@operation][=value][{node node ...}]. Prefix "x" gives a foreign namespace, "-"
+ * none; tag "?" is a null tag; "{}" a subtree flag with no children. "@" also sets DTF_FLAG_OP_SET. nodes[i] is the
+ * i-th node in document order; lines name it "tag#i".
+ *
+ * Failing calls: operations that can fail count in `calls`; number fail_at (from 1; 0: none) fails, and with fail_on
+ * all after it: with fail_code, or as the operation does (null copy, unreadable file, output list that does not grow).
+ * With fail_copies the bounded copies count instead: a failing copy leaves nothing, a failing append what was there.
+ */
+#pragma once
+#include "oc_chmon.h"
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace recording {
+
+using text_or_null = std::optional<std::string>;
+
+/* One token of a parcel. `number` fills the value of numeric types; text that of the types 12 and 13. */
+struct token {
+    parcel_token_type_td type;
+    text_or_null name{}, text{};
+    uint32_t number = 0;
+};
+
+/* One dtf_map_datatree_add_path_flagged() call and the code it was answered with. */
+struct addition {
+    std::string tree, path, ns;
+    text_or_null value;
+    std::string source;
+    bool wants_created;
+    uint32_t new_list_entry, ninth;
+    faultno code;
+};
+
+/* One report; function and line are known only while the trace buffer is on. */
+struct report {
+    std::string level, text, function{}, format{};
+    int line = 0;
+    uint32_t *site_word = nullptr;
+    bool logged = false, traced = false;
+};
+
+std::string printed(const char *format, ...) DTF_PRINTF_LIKE(1, 2);
+
+struct host {
+    explicit host(const std::vector<std::string> &inventory = {});
+    ~host();
+    host(const host &) = delete;
+    host &operator=(const host &) = delete;
+
+    dtf_map_context context{};
+    dtf_req_ctx state{};
+    dtf_request request{};
+    dtf_datatree out{};
+
+    /* Answers. Items of the database by full path; on_add runs after each addition that succeeded, and is where an
+     * instance-tree entry is pushed as the framework does inside its operations. poison: an addition to an input node
+     * overwrites the child array it moved away from. leafref: code of dtf_map_check_oc_leafref(). */
+    std::map<std::string, std::vector<token>> items;
+    bool library_readable = true, null_handle = false, poison = false;
+    faultno leafref = 0, fail_code = 0;
+    std::size_t fail_at = 0;
+    bool fail_on = false, fail_copies = false;
+    std::function<void(host &, const addition &)> on_add{};
+
+    /* Records. A report is a line too: "TRC function: text", or "TRC text" while the trace buffer is off. */
+    std::vector<std::string> lines;
+    std::vector<addition> additions;
+    std::vector<report> reports;
+    std::vector<std::string> violations;
+    std::size_t calls = 0, should_log_calls = 0, indices_drawn = 0;
+
+    /* An input tree; belongs to the host. nodes are in document order, additions at the end. */
+    dtf_datatree *plant(const std::string &text, const char *ns);
+    std::vector<dtf_datatree *> nodes;
+    const char *keep(std::string_view text);
+    /* A parcel with these tokens, for get_value_in_parcel(); its length is parcel_length. */
+    const void *parcel(const std::vector<token> &tokens);
+    static constexpr uint32_t parcel_length = sizeof(void *);
+
+    /* All lines but those that start with one of the words of `without`: by default the pure questions and the copies,
+     * whose number is the plug-in's own affair. */
+    std::string text(const std::string &without = "match is_delete is_add itree_peak itree_size copy") const;
+    std::string added() const;
+    /* Every field of a tree but its pointers. */
+    std::string dump(const dtf_datatree *node, const std::string &indent = "") const;
+    std::string imbalance();
+
+    /* The rest serves the operations. */
+    void note(const std::string &line);
+    void violate(bool broken, const std::string &what);
+    bool fails(bool copy = false);
+    std::string name(const dtf_datatree *node) const;
+    std::string sprout(dtf_datatree &node, const char *p, const char *ns, const char **end);
+    void number(dtf_datatree &node);
+    dtf_datatree *append(dtf_datatree &parent, const char *tag, const char *ns);
+    void reported(const char *level, const std::string &text);
+    void finish_report();
+    std::map<const dtf_datatree *, std::string> names;
+    std::vector<std::unique_ptr<std::vector<dtf_datatree>>> arrays;
+    std::vector<std::unique_ptr<char[]>> texts;
+    std::vector<const dtf_datatree *> output_list;
+    std::vector<dtf_itree_entry> itree;
+    std::set<void *> copies, binds, blocks, token_texts;
+    std::vector<std::unique_ptr<std::vector<token>>> parcels;
+    std::size_t decoded = 0, released = 0, walks = 0;
+    std::optional<uint32_t> asked_level{}, drawn{};
+};
+
+/* The host the operations answer for: the last one made. */
+extern host *current;
+
+} // namespace recording
