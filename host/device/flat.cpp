@@ -22,9 +22,6 @@ void flat_writer::add(native_tag tag, std::size_t child_count, std::optional<std
     }
 }
 
-void flat_cursor::refuse()
-{
-    throw damaged_record("the store is damaged: a native record ends early or holds an unknown node");
-}
+void refuse_record(const char *what) { throw damaged_record(std::string("the store is damaged: ") + what); }
 
 } // namespace device

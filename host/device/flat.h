@@ -31,6 +31,9 @@ class damaged_record : public std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
+/// Throws damaged_record, saying what is wrong with it.
+[[noreturn]] void refuse_record(const char *what);
+
 /// One node of an entry.
 struct flat_node {
     native_tag tag;
@@ -72,12 +75,12 @@ class flat_cursor
             return false;
         }
         if (rest_.size() < header_size || static_cast<unsigned char>(rest_[0]) >= native_tag_count) {
-            refuse();
+            refuse_record("a native record ends early or holds an unknown node");
         }
         std::uint16_t size;
         std::memcpy(&size, rest_.data() + 2, sizeof size);
         if (rest_.size() - header_size < size || (size != 0 && rest_[header_size + size - 1] != '\0')) {
-            refuse();
+            refuse_record("a native record ends early or holds an unknown node");
         }
         node.tag = static_cast<native_tag>(rest_[0]);
         node.child_count = static_cast<std::uint8_t>(rest_[1]);
@@ -88,8 +91,6 @@ class flat_cursor
     }
 
   private:
-    [[noreturn]] static void refuse();
-
     std::string_view rest_;
 };
 

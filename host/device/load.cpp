@@ -1,0 +1,56 @@
+#include "device/load.h"
+
+#include "device/inventory.h"
+#include "device/inventory_file.h"
+#include "device/native_document.h"
+
+namespace device {
+namespace {
+
+using names = std::optional<std::vector<std::string>>;
+
+void read(const schema &modules, const document &from, native_records &records, names &monitors)
+{
+    const document_kind kind = kind_of(from.text, from.name);
+    if (kind != document_kind::inventory) {
+        read_native(modules, from, kind == document_kind::native_xml ? format::xml : format::json, records);
+        return;
+    }
+    if (monitors) {
+        throw invalid_document(from.name + ": a second inventory in the same load");
+    }
+    monitors = read_inventory(from.text, from.name);
+}
+
+} // namespace
+
+load_summary load(device &into, const schema &modules, const std::vector<document> &documents)
+{
+    native_records records;
+    names monitors;
+    for (const document &each : documents) {
+        read(modules, each, records, monitors);
+    }
+
+    ostore::write_transaction txn(into.database());
+    records.store(txn);
+    if (monitors) {
+        replace_monitors(txn, *monitors);
+    }
+    txn.commit();
+
+    load_summary summary;
+    if (monitors) {
+        summary.monitors = monitors->size();
+    }
+    if (records.has_interfaces()) {
+        summary.interfaces = records.interface_count();
+    }
+    if (records.has_ports()) {
+        summary.ports = records.port_count();
+        summary.slices = records.slice_count();
+    }
+    return summary;
+}
+
+} // namespace device

@@ -1,0 +1,14 @@
+/// Native documents: XML or JSON text, judged by libyang, as records for the store.
+#pragma once
+
+#include "device/document.h"
+#include "device/native_writer.h"
+#include "device/schema.h"
+
+namespace device {
+
+/// Adds what a native document holds to `records`. Throws invalid_document when it is no valid document of the native
+/// modules, or when `records` has data of the same module from another document already.
+void read_native(const schema &modules, const document &from, format written_as, native_records &records);
+
+} // namespace device
