@@ -24,7 +24,7 @@ void read(const schema &modules, const document &from, native_records &records, 
 
 } // namespace
 
-load_summary load(device &into, const schema &modules, const std::vector<document> &documents)
+load_summary load(folder &into, const schema &modules, const std::vector<document> &documents)
 {
     native_records records;
     names monitors;

@@ -30,7 +30,7 @@ template <class Call> std::string refusal(Call call)
 }
 
 /// Whether a message names the document first, is one line of bounded length and holds all of the given parts.
-void expect_message(const std::string &message, std::initializer_list<const char *> parts)
+void expect_message(const std::string &message, std::vector<const char *> parts)
 {
     EXPECT_EQ(message.rfind("doc: ", 0), 0U) << message;
     EXPECT_EQ(message.find('\n'), std::string::npos) << message;
@@ -75,7 +75,7 @@ TEST(schema, says_what_is_wrong_and_where)
     struct faulty {
         format written_as;
         std::string text;
-        std::initializer_list<const char *> message;
+        std::vector<const char *> message;
     };
     const std::string good = "<active>act</active><interface-name>a</interface-name>";
     const std::string port = R"({"lower-frequency": "1", "upper-frequency": "2")";
@@ -99,9 +99,10 @@ TEST(schema, says_what_is_wrong_and_where)
         {format::json, R"({"elsewhere:top": {}})", {"elsewhere"}},
     };
     const schema modules;
-    for (const auto &[written_as, text, message] : table) {
-        SCOPED_TRACE(text);
-        expect_message(refusal([&] { modules.validate(text, written_as, check::whole, "doc"); }), message);
+    for (const faulty &each : table) {
+        SCOPED_TRACE(each.text);
+        expect_message(refusal([&] { modules.validate(each.text, each.written_as, check::whole, "doc"); }),
+                       each.message);
     }
 }
 
@@ -134,7 +135,7 @@ TEST(inventory_file, accepts_monitor_names_alone)
     EXPECT_EQ(read_inventory(R"({"inventory": ["0/1-CHMON-BST", "0/12-CHMON-PRE"]})", "doc"),
               (std::vector<std::string>{"0/1-CHMON-BST", "0/12-CHMON-PRE"}));
     EXPECT_TRUE(read_inventory(R"({"inventory": []})", "doc").empty());
-    const std::pair<const char *, std::initializer_list<const char *>> table[] = {
+    const std::pair<const char *, std::vector<const char *>> table[] = {
         {"{\"inventory\": [", {"JSON"}},
         {"[]", {"object"}},
         {"{}", {"inventory"}},
@@ -151,9 +152,9 @@ TEST(inventory_file, accepts_monitor_names_alone)
         {R"({"inventory": ["0/12345678-CHMON-PRE"]})", {"/inventory/0"}},
         {R"({"inventory": ["Ots0/1/0/0"]})", {"/inventory/0", "Ots0/1/0/0"}},
     };
-    for (const auto &[text, message] : table) {
-        SCOPED_TRACE(text);
-        expect_message(refusal([&] { read_inventory(text, "doc"); }), message);
+    for (const auto &each : table) {
+        SCOPED_TRACE(each.first);
+        expect_message(refusal([&] { read_inventory(each.first, "doc"); }), each.second);
     }
 }
 

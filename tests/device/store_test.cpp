@@ -104,13 +104,13 @@ class store : public testing::Test
         return shown(native_reader(txn).interface("act", name).value_or(std::string_view()));
     }
 
-    struct folder {
+    struct scratch {
         std::filesystem::path path =
             std::filesystem::path(testing::TempDir()) / ("device-" + std::to_string(::getpid()));
-        ~folder() { std::filesystem::remove_all(path); }
+        ~scratch() { std::filesystem::remove_all(path); }
     };
-    folder folder_;
-    class device device_ = device::device::create(folder_.path);
+    scratch folder_;
+    folder device_ = folder::create(folder_.path);
 };
 
 TEST_F(store, holds_the_example_device_the_same_from_either_format)
@@ -264,16 +264,15 @@ TEST_F(store, is_made_once_and_opened_where_it_is)
         }
     };
     const auto elsewhere = folder_.path / "elsewhere";
-    EXPECT_NE(message([&] { device::device::open(elsewhere); }).find("chmon init"), std::string::npos);
-    EXPECT_NE(message([&] { device::device::create(folder_.path / "store.mdb"); }).find("cannot be made"),
-              std::string::npos);
+    EXPECT_NE(message([&] { folder::open(elsewhere); }).find("chmon init"), std::string::npos);
+    EXPECT_NE(message([&] { folder::create(folder_.path / "store.mdb"); }).find("cannot be made"), std::string::npos);
     std::filesystem::create_directory(elsewhere);
     std::ofstream(elsewhere / "store.mdb").put(' ');
-    EXPECT_EQ(message([&] { device::device::create(elsewhere); }).rfind("store " + elsewhere.string(), 0), 0U);
+    EXPECT_EQ(message([&] { folder::create(elsewhere); }).rfind("store " + elsewhere.string(), 0), 0U);
     std::filesystem::resize_file(elsewhere / "store.mdb", 0); // making it was broken off here
-    EXPECT_EQ(message([&] { device::device::create(elsewhere); }), "no error");
-    EXPECT_EQ(message([&] { device::device::open(elsewhere); }), "no error");
-    EXPECT_NE(message([&] { device::device::create(elsewhere); }).find("already"), std::string::npos);
+    EXPECT_EQ(message([&] { folder::create(elsewhere); }), "no error");
+    EXPECT_EQ(message([&] { folder::open(elsewhere); }), "no error");
+    EXPECT_NE(message([&] { folder::create(elsewhere); }).find("already"), std::string::npos);
     EXPECT_NE(message([&] { read_document(elsewhere); }).find("regular"), std::string::npos);
     EXPECT_NE(message([&] { read_document(elsewhere / "none"); }).find("No such file"), std::string::npos);
 }
