@@ -1,0 +1,263 @@
+/* The store: what is committed stays, what is not never was, and what is no store is refused. */
+#include "ostore/transaction.h"
+#include "temporary_folder.h"
+
+#include <gtest/gtest.h>
+#include <lmdb.h>
+
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+
+namespace {
+
+using ostore::database;
+using ostore::store_fault;
+
+/* The kind of store_error that `run` ends with; its text must name the file and fit one line. */
+template <typename operation> std::string fault_of(operation run)
+{
+    static constexpr const char *names[]{"missing", "foreign", "damaged", "permission",
+                                         "full",    "bad_key", "misuse",  "failed"};
+    try {
+        run();
+    } catch (const ostore::store_error &error) {
+        const std::string text = error.what();
+        EXPECT_TRUE(text.starts_with("store ") && text.find('\n') == std::string::npos) << text;
+        return names[static_cast<int>(error.kind())];
+    }
+    return "none";
+}
+
+std::string key_of(int number) { return "key/" + std::to_string(10000 + number); }
+
+TEST(database, readers_see_one_state_and_aborted_changes_never_were)
+{
+    const temporary_folder folder;
+    const auto store = database::create(folder.path / "store.mdb", {"config"});
+    const auto config = store.table("config");
+    {
+        ostore::write_transaction first(store);
+        first.put(config, "a", "1");
+        EXPECT_EQ(fault_of([&] { ostore::write_transaction second(store); }), "misuse");
+        first.commit();
+        EXPECT_EQ(fault_of([&] { first.put(config, "a", "2"); }), "misuse");
+    }
+    const ostore::read_transaction before(store);
+    {
+        ostore::write_transaction change(store);
+        change.put(config, "a", "2");
+        change.put(config, "b", "3");
+        EXPECT_EQ(change.get(config, "a"), "2");
+        change.commit();
+        ostore::write_transaction aborted(store);
+        EXPECT_TRUE(aborted.erase(config, "a"));
+        EXPECT_FALSE(aborted.erase(config, "a"));
+    }
+    EXPECT_EQ(before.get(config, "a"), "1");
+    EXPECT_EQ(before.size(config), 1u);
+    const ostore::read_transaction after(store);
+    EXPECT_EQ(after.get(config, "a"), "2");
+    EXPECT_EQ(after.get(store.items(), "a"), std::nullopt) << "tables are apart";
+    EXPECT_EQ(fault_of([&] { store.table("none"); }), "misuse");
+}
+
+TEST(database, scans_and_erasures_take_the_prefix_and_no_more)
+{
+    const auto store = database::temporary({"t"});
+    const auto table = store.table("t");
+    constexpr int records = 5000;
+    ostore::write_transaction txn(store);
+    for (int i = 0; i < records; ++i)
+        txn.put(table, key_of(i), std::string(static_cast<std::size_t>(i % 300), 'v'));
+    std::size_t seen = 0;
+    std::string last;
+    for (ostore::cursor at(txn, table, "key/12"); at.next(); ++seen) {
+        EXPECT_LT(last, at.key());
+        last = at.key();
+    }
+    EXPECT_EQ(seen, 1000u);
+    EXPECT_EQ(last, "key/12999");
+    EXPECT_EQ(txn.counts().records, 1000u) << "a scan fetches what it hands out";
+    EXPECT_EQ(txn.erase_all(table, "key/12"), 1000u);
+    EXPECT_EQ(txn.size(table), records - 1000u);
+    EXPECT_EQ(txn.erase_all(table, "key/9"), 0u);
+    EXPECT_EQ(txn.get(table, "key/11999").has_value() && txn.get(table, "key/13000").has_value(), true);
+    EXPECT_EQ(txn.erase_all(table), records - 1000u);
+    EXPECT_FALSE(ostore::cursor(txn, table).next());
+}
+
+TEST(database, keys_are_limited)
+{
+    const auto store = database::temporary();
+    ostore::write_transaction txn(store);
+    txn.put(store.items(), std::string(511, 'k'), "v");
+    EXPECT_EQ(txn.get(store.items(), std::string(511, 'k')), "v");
+    for (const std::string &key : {std::string(512, 'k'), std::string()}) {
+        EXPECT_EQ(fault_of([&] { txn.put(store.items(), key, "v"); }), "bad_key");
+        EXPECT_EQ(fault_of([&] { txn.get(store.items(), key); }), "bad_key");
+        EXPECT_EQ(fault_of([&] { txn.erase(store.items(), key); }), "bad_key");
+    }
+}
+
+/* Writes one record with LMDB's own means. */
+void write_foreign(const std::filesystem::path &file, const char *table, std::string key, std::string value)
+{
+    MDB_env *env = nullptr;
+    MDB_txn *txn = nullptr;
+    MDB_dbi dbi = 0;
+    MDB_val at{key.size(), key.data()};
+    MDB_val bytes{value.size(), value.data()};
+    mdb_env_create(&env);
+    mdb_env_set_maxdbs(env, 4);
+    ASSERT_EQ(mdb_env_open(env, file.c_str(), MDB_NOSUBDIR, 0640), 0);
+    ASSERT_EQ(mdb_txn_begin(env, nullptr, 0, &txn), 0);
+    ASSERT_EQ(mdb_dbi_open(txn, table, table ? MDB_CREATE : 0, &dbi), 0);
+    ASSERT_EQ(mdb_put(txn, dbi, &at, &bytes, 0), 0);
+    ASSERT_EQ(mdb_txn_commit(txn), 0);
+    mdb_env_close(env);
+}
+
+TEST(database, what_is_no_store_of_ours_is_refused_and_left_alone)
+{
+    const temporary_folder folder;
+    const auto file = [&](const char *name) { return folder.path / name; };
+    std::ofstream(file("text")) << std::string(9000, 'x');
+    std::ofstream(file("short")) << "x";
+    std::ofstream(file("empty")).flush();
+    std::filesystem::create_directory(file("folder"));
+    write_foreign(file("other"), nullptr, "some", "thing");
+    write_foreign(file("named"), nullptr, "meta", "thing");
+    write_foreign(file("tables"), "meta", "some", "thing");
+    {
+        database::create(file("owner"));
+    }
+    write_foreign(file("owner"), "meta", "owner", "another");
+    {
+        database::create(file("format"));
+    }
+    write_foreign(file("format"), "meta", "format", "2");
+
+    for (const char *name : {"text", "short", "folder", "other", "named", "tables", "owner", "format"}) {
+        EXPECT_EQ(fault_of([&] { database::open(file(name)); }), std::string(name) == "folder" ? "failed" : "foreign")
+            << name;
+        EXPECT_NE(fault_of([&] { database::create(file(name)); }), "none") << name;
+    }
+    EXPECT_EQ(std::filesystem::file_size(file("text")), 9000u);
+    EXPECT_EQ(fault_of([&] { database::open(file("empty")); }), "foreign");
+    EXPECT_EQ(fault_of([&] { database::create(file("empty")); }), "none") << "an interrupted creation heals";
+    EXPECT_EQ(fault_of([&] { database::open(file("none")); }), "missing");
+    EXPECT_EQ(fault_of([&] { database::create(file("none") / "store.mdb"); }), "missing");
+    EXPECT_FALSE(std::filesystem::exists(file("none")));
+    const auto store = database::create(file("twice"));
+    EXPECT_EQ(fault_of([&] { database::open(file("twice")); }), "misuse");
+}
+
+TEST(database, a_full_map_or_disk_changes_nothing)
+{
+    const temporary_folder folder;
+    const auto store = database::create(folder.path / "store.mdb", {}, 1 << 20);
+    const auto fill = [&](int records) {
+        ostore::write_transaction txn(store);
+        for (int i = 0; i < records; ++i)
+            txn.put(store.items(), key_of(i), std::string(2000, 'v'));
+        txn.commit();
+    };
+    EXPECT_EQ(fault_of([&] { fill(2000); }), "full");
+
+    rlimit old{};
+    getrlimit(RLIMIT_FSIZE, &old);
+    const rlimit tight{64 << 10, old.rlim_max};
+    const auto handler = signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &tight);
+    const std::string fault = fault_of([&] { fill(100); });
+    setrlimit(RLIMIT_FSIZE, &old);
+    signal(SIGXFSZ, handler);
+    EXPECT_EQ(fault, "full");
+
+    EXPECT_EQ(ostore::read_transaction(store).size(store.items()), 0u);
+    EXPECT_EQ(fault_of([&] { fill(10); }), "none");
+}
+
+TEST(database, a_store_cut_short_is_answered)
+{
+    const temporary_folder folder;
+    const auto file = folder.path / "store.mdb";
+    {
+        const auto store = database::create(file);
+        ostore::write_transaction txn(store);
+        for (int i = 0; i < 3000; ++i)
+            txn.put(store.items(), key_of(i), std::string(100, 'v'));
+        txn.commit();
+    }
+    const auto whole = std::filesystem::file_size(file);
+    int cases = 0;
+    for (auto size = whole - whole / 16; size > 0 && size < whole; size -= whole / 16, ++cases) {
+        std::filesystem::resize_file(file, size);
+        const std::string fault = fault_of([&] {
+            const auto store = database::open(file);
+            const ostore::read_transaction txn(store);
+            for (ostore::cursor at(txn, store.items()); at.next();)
+                ASSERT_EQ(at.value().size(), 100u);
+        });
+        EXPECT_TRUE(fault == "damaged" || fault == "foreign") << fault << " at " << size;
+    }
+    EXPECT_GE(cases, 15);
+}
+
+/* A process that is killed while it writes leaves a state that was committed, and no lock. */
+TEST(database, killed_writers_leave_a_committed_state)
+{
+    const temporary_folder folder;
+    const auto file = folder.path / "store.mdb";
+    {
+        database::create(file);
+    }
+    int last = 0;
+    for (int round = 0; round < 20; ++round) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const auto store = database::open(file);
+            for (int state = last + 1;; ++state) {
+                ostore::write_transaction txn(store);
+                for (int i = 0; i < 50; ++i)
+                    txn.put(store.items(), key_of(i), std::to_string(state));
+                txn.commit();
+            }
+        }
+        usleep(static_cast<useconds_t>(3000 + 1500 * round));
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        const auto store = database::open(file);
+        const ostore::read_transaction txn(store);
+        const std::string state(txn.get(store.items(), key_of(0)).value_or("0"));
+        for (ostore::cursor at(txn, store.items()); at.next();)
+            ASSERT_EQ(at.value(), state) << "a mixture of states";
+        EXPECT_GE(std::stoi(state), last);
+        last = std::stoi(state);
+    }
+    std::printf("killed writers: 20, states committed: %d\n", last);
+    EXPECT_GT(last, 20);
+}
+
+TEST(database, temporary_leaves_nothing)
+{
+    const temporary_folder folder;
+    setenv("TMPDIR", folder.path.c_str(), 1);
+    {
+        const auto store = database::temporary();
+        const auto other = database::temporary();
+        ostore::write_transaction txn(store);
+        txn.put(store.items(), "k", std::string(100000, 'v'));
+        txn.commit();
+        EXPECT_EQ(ostore::read_transaction(store).get(store.items(), "k")->size(), 100000u);
+        EXPECT_EQ(ostore::read_transaction(other).get(other.items(), "k"), std::nullopt);
+        EXPECT_TRUE(std::filesystem::is_empty(folder.path));
+    }
+    unsetenv("TMPDIR");
+}
+
+} // namespace

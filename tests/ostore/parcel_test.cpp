@@ -1,0 +1,258 @@
+/* The parcel library: what is written is read back, and hostile bytes are answered, never followed. */
+#include "ostore/faults.h"
+#include "ostore/parcel_format.h"
+#include "ostore/parcel_writer.h"
+#include "ostore/usage.h"
+
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <random>
+
+namespace {
+
+using ostore::parcel_writer;
+using record = std::vector<std::byte>;
+
+/* Every type with and without a name, groups in groups, texts of odd lengths, types without a text form. */
+record rich_record()
+{
+    const std::array<std::byte, 3> bytes{std::byte{1}, std::byte{2}, std::byte{3}};
+    return parcel_writer("inv_basic", 3, -1)
+        .int8("a", -5)
+        .uint8("b", 251)
+        .int16("c", -300)
+        .uint16("d", 65535)
+        .int32("e", -70000)
+        .uint32("f", 4000000000u)
+        .ipv4("g", inet_addr("10.0.0.1"))
+        .enumeration("h", -9)
+        .boolean("i", 7)
+        .group("info")
+        .text("Name", "0/1-CHMON-BST")
+        .group("")
+        .second_text("", "")
+        .end_group()
+        .raw(6, "opaque", bytes)
+        .end_group()
+        .raw(16, "", {})
+        .finish();
+}
+
+/* One line per token: type, name and value, as a reader sees them. */
+std::string describe(const parcel_token_td &token)
+{
+    std::string line = std::to_string(token.type) + " " + (token.field_name ? token.field_name : "-") + " ";
+    switch (token.type) {
+    case 0:
+        return line + std::to_string(token.value.i8);
+    case 1:
+        return line + std::to_string(token.value.u8);
+    case 2:
+        return line + std::to_string(token.value.i16);
+    case 3:
+        return line + std::to_string(token.value.u16);
+    case 4:
+    case 9:
+        return line + std::to_string(token.value.i32);
+    case 5:
+    case 10:
+        return line + std::to_string(token.value.u32);
+    case 8:
+        return line + inet_ntoa_r(token.value.ipv4);
+    case 12:
+        return line + token.value.text;
+    case 13:
+        return line + token.second_text;
+    default:
+        return line;
+    }
+}
+
+/* A block whose last byte is the last one before an unmapped page. */
+class guarded_block
+{
+  public:
+    guarded_block()
+        : map_(static_cast<std::byte *>(
+              mmap(nullptr, 2 * page_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0)))
+    {
+        if (map_ == MAP_FAILED || mprotect(map_ + page_, page_, PROT_NONE) != 0)
+            std::abort();
+    }
+    ~guarded_block() { munmap(map_, 2 * page_); }
+
+    std::byte *put(const record &bytes, std::size_t size)
+    {
+        return static_cast<std::byte *>(std::memcpy(map_ + page_ - size, bytes.data(), size));
+    }
+
+  private:
+    std::size_t page_ = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    std::byte *map_;
+};
+
+struct tally {
+    std::uint64_t variants = 0, sound = 0, endless = 0, unknown_codes = 0;
+    ostore::usage_counts before = ostore::usage();
+
+    void report(const char *loop, std::uint64_t floor) const
+    {
+        const ostore::usage_counts now = ostore::usage();
+        const std::uint64_t decoded = now.tokens_decoded - before.tokens_decoded;
+        const std::uint64_t released = now.tokens_released - before.tokens_released;
+        std::printf("%s: variants=%ju sound=%ju decoded=%ju unreleased=%ju loops=%ju\n", loop, variants, sound, decoded,
+                    decoded - released, endless);
+        EXPECT_GE(variants, floor);
+        EXPECT_EQ(decoded, released);
+        EXPECT_EQ(now.walks_started - before.walks_started, now.walks_ended - before.walks_ended);
+        EXPECT_EQ(endless, 0u);
+        EXPECT_EQ(unknown_codes, 0u) << "a code without a text";
+    }
+};
+
+/* Reads a whole record as a user would; the lines of its tokens, and the code that ended it. */
+faultno walk(const std::byte *bytes, std::size_t size, tally &tally, std::vector<std::string> *lines = nullptr)
+{
+    ++tally.variants;
+    parcel_header_td header{};
+    /* Whoever hands a block to parcel_header_info() has seen to it that a header fits. */
+    faultno rc = size < ostore::parcel_header_size ? 0 : parcel_header_info(bytes, &header);
+    parcel_walk_td state{};
+    const faultno started = parcel_generic_init(bytes, static_cast<std::uint32_t>(size), &state);
+    if (rc == 0 && started == 0) {
+        std::size_t steps = 0;
+        parcel_token_td token{};
+        do {
+            rc = parcel_generic_token(&state, &token);
+            if (rc == 0 && lines != nullptr)
+                lines->push_back(describe(token));
+            if (rc == 0)
+                parcel_generic_free_token_allocations(&token);
+        } while (rc == 0 && token.type != PARCEL_TOKEN_END && ++steps <= size);
+        tally.endless += steps > size;
+        parcel_generic_destroy(&state);
+    } else {
+        EXPECT_EQ(size < ostore::parcel_header_size ? started : rc, started);
+        rc = started;
+    }
+    tally.sound += rc == 0;
+    tally.unknown_codes += rc != 0 && ostore::fault_text(rc) == nullptr;
+    return rc;
+}
+
+TEST(parcel, every_type_is_read_back)
+{
+    const record bytes = rich_record();
+    parcel_header_td header{};
+    ASSERT_EQ(parcel_header_info(bytes.data(), &header), 0u);
+    EXPECT_STREQ(header.schema, "inv_basic");
+    EXPECT_EQ(header.major, 3);
+    EXPECT_EQ(header.minor, -1);
+
+    tally tally;
+    std::vector<std::string> lines;
+    EXPECT_EQ(walk(bytes.data(), bytes.size(), tally, &lines), 0u);
+    const std::vector<std::string> wanted{"0 a -5",
+                                          "1 b 251",
+                                          "2 c -300",
+                                          "3 d 65535",
+                                          "4 e -70000",
+                                          "5 f 4000000000",
+                                          "8 g 10.0.0.1",
+                                          "9 h -9",
+                                          "10 i 7",
+                                          "14 info ",
+                                          "12 Name 0/1-CHMON-BST",
+                                          "14 - ",
+                                          "13 - ",
+                                          "15 - ",
+                                          "6 opaque ",
+                                          "15 - ",
+                                          "16 - ",
+                                          "18 - "};
+    EXPECT_EQ(lines, wanted);
+    tally.report("round trip", 1);
+}
+
+TEST(parcel, every_truncation_and_byte_change_is_answered)
+{
+    const record bytes = rich_record();
+    guarded_block block;
+    tally tally;
+    for (std::size_t size = 0; size < bytes.size(); ++size)
+        EXPECT_NE(walk(block.put(bytes, size), size, tally), 0u) << "cut at " << size;
+    std::byte *at = block.put(bytes, bytes.size());
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        for (unsigned change = 1; change < 256; ++change) {
+            at[i] = bytes[i] ^ static_cast<std::byte>(change);
+            walk(at, bytes.size(), tally);
+        }
+        at[i] = bytes[i];
+    }
+    /* Two to five changes at once, with a cut: seeded, so that a failure comes back. */
+    std::mt19937 random(1);
+    for (int round = 0; round < 920000; ++round) {
+        record changed = bytes;
+        for (unsigned n = 2 + random() % 4; n > 0; --n)
+            changed[random() % changed.size()] = static_cast<std::byte>(random());
+        const std::size_t size = random() % 4 != 0 ? changed.size() : random() % changed.size();
+        walk(block.put(changed, size), size, tally);
+    }
+    tally.report("damaged bytes", 1000000);
+}
+
+TEST(parcel, every_length_field_is_checked)
+{
+    const record bytes = rich_record();
+    guarded_block block;
+    tally tally;
+    const auto number = [&](std::size_t at) {
+        std::uint32_t value = 0;
+        std::memcpy(&value, &bytes[at], 4);
+        return value;
+    };
+    for (std::size_t at = ostore::parcel_header_size; at < bytes.size();
+         at += ostore::parcel_token_head_size + number(at + 4) + number(at + 8)) {
+        for (const std::size_t field : {at + 4, at + 8}) {
+            for (const std::uint32_t length : {0u, 1u, 0x7fffffffu, 0x80000000u, 0xffffffffu}) {
+                record changed = bytes;
+                std::memcpy(&changed[field], &length, 4);
+                const faultno rc = walk(block.put(changed, changed.size()), changed.size(), tally);
+                EXPECT_EQ(rc == 0, length == number(field)) << "length " << length << " at " << field;
+            }
+        }
+    }
+    tally.report("length fields", 18 * 2 * 5);
+}
+
+TEST(parcel, misuse_and_unbalanced_groups_are_refused)
+{
+    const record bytes = rich_record();
+    parcel_walk_td state{};
+    parcel_token_td token{};
+    parcel_header_td header{};
+    EXPECT_EQ(parcel_header_info(nullptr, &header), ostore::fault_parcel_arguments);
+    EXPECT_EQ(parcel_generic_init(nullptr, 100, &state), ostore::fault_parcel_arguments);
+    EXPECT_EQ(parcel_generic_token(&state, &token), ostore::fault_parcel_ended) << "never started";
+    ASSERT_EQ(parcel_generic_init(bytes.data(), static_cast<std::uint32_t>(bytes.size()), &state), 0u);
+    parcel_generic_destroy(&state);
+    EXPECT_EQ(parcel_generic_token(&state, &token), ostore::fault_parcel_ended) << "after its end";
+
+    tally tally;
+    const record closed = parcel_writer("s", 1, 0).raw(PARCEL_TOKEN_GROUP_END, "", {}).finish();
+    EXPECT_EQ(walk(closed.data(), closed.size(), tally), ostore::fault_parcel_group);
+    const record open = parcel_writer("s", 1, 0).raw(PARCEL_TOKEN_GROUP, "g", {}).finish();
+    EXPECT_EQ(walk(open.data(), open.size(), tally), ostore::fault_parcel_group);
+
+    EXPECT_THROW(parcel_writer(std::string(48, 's'), 1, 0), ostore::parcel_error);
+    EXPECT_THROW(parcel_writer("s", 1, 0).group("g").finish(), ostore::parcel_error);
+    EXPECT_THROW(parcel_writer("s", 1, 0).end_group(), ostore::parcel_error);
+    EXPECT_THROW(parcel_writer("s", 1, 0).text("n", std::string_view("a\0b", 3)), ostore::parcel_error);
+}
+
+} // namespace
