@@ -219,7 +219,8 @@ void convert_amplifier_key_to_ingress_port(const char *chmon_name, char *ingress
         (void)dtf_strncpy_s(__func__, prefix, sizeof prefix, chmon_name, prefix_length);
     }
     const int port = NULL != std::strstr(chmon_name, "-CHMON-PRE") ? preamplifier_port : booster_port;
-    (void)snprintf(ingress_port, name_size, "%s-OtsCtrl-0/%d", prefix, port);
+    /* The precision is for the compiler, which cannot see that the prefix is that short. */
+    (void)snprintf(ingress_port, name_size, "%.*s-OtsCtrl-0/%d", static_cast<int>(prefix_length), prefix, port);
 }
 
 const char *replace_str(const char *text, const char *search, const char *replacement)

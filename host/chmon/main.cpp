@@ -1,0 +1,55 @@
+/* chmon: OpenConfig channel monitors on a device that only knows its own models. */
+#include "commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <exception>
+#include <iostream>
+
+namespace {
+
+constexpr int status_failed = 1;
+constexpr int status_usage = 2;
+
+/* What was printed may still be in a buffer: a full disk shows only when that is written. */
+int finished()
+{
+    std::cout.flush();
+    if (std::cout)
+        return 0;
+    std::cerr << "chmon: standard output: cannot write\n";
+    return status_failed;
+}
+
+int run(int argc, char **argv)
+{
+    CLI::App app("OpenConfig channel monitors over a device's native models", "chmon");
+    /* Set before the commands are added: they take it over, and so global options may follow the command. */
+    app.fallthrough();
+    app.require_subcommand(1);
+
+    cli::global_options globals;
+    cli::add_global_options(app, globals);
+    cli::add_map(app, globals);
+    cli::add_plan(app, globals);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &wrong) {
+        return app.exit(wrong) == 0 ? finished() : status_usage;
+    }
+    return finished();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    std::ios::sync_with_stdio(false);
+    try {
+        return run(argc, argv);
+    } catch (const std::exception &failure) {
+        std::cout.flush();
+        std::cerr << "chmon: " << failure.what() << '\n';
+        return status_failed;
+    }
+}
