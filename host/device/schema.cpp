@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <libyang/libyang.h>
+#include <new>
 #include <regex>
 
 namespace device {
@@ -57,6 +58,28 @@ std::string last_error(const ly_ctx *context)
     return one_line((where.empty() ? "" : where + ": ") + (error->msg == nullptr ? "cause unknown" : error->msg));
 }
 
+/// libyang's view of a text, which it does not copy.
+class input
+{
+  public:
+    explicit input(const std::string &text)
+    {
+        if (ly_in_new_memory(text.c_str(), &in_) != LY_SUCCESS) {
+            throw std::bad_alloc();
+        }
+    }
+    input(const input &) = delete;
+    input &operator=(const input &) = delete;
+    ~input() { ly_in_free(in_, 0); }
+
+    ly_in *get() const { return in_; }
+    /// Bytes of the text that the parser took.
+    std::size_t parsed() const { return ly_in_parsed(in_); }
+
+  private:
+    ly_in *in_ = nullptr;
+};
+
 } // namespace
 
 void context_deleter::operator()(ly_ctx *context) const { ly_ctx_destroy(context); }
@@ -109,10 +132,16 @@ data_tree schema::parse(const std::string &text, format written_as, check how, s
     const LYD_FORMAT language = written_as == format::xml ? LYD_XML : LYD_JSON;
     const uint32_t parsing = LYD_PARSE_STRICT | (how == check::types ? LYD_PARSE_ONLY : 0U);
     const uint32_t validation = how == check::whole ? LYD_VALIDATE_PRESENT : 0U;
-    const LY_ERR result = lyd_parse_data_mem(context_.get(), text.c_str(), language, parsing, validation, &first);
+    const input from(text);
+    const LY_ERR result = lyd_parse_data(context_.get(), nullptr, from.get(), language, parsing, validation, &first);
     data_tree tree(first);
     if (result != LY_SUCCESS) {
         throw invalid_document(std::string(name) + ": " + last_error(context_.get()));
+    }
+    // libyang is content with the first JSON object, whatever follows it.
+    if (const auto rest = text.find_first_not_of(" \t\r\n", from.parsed()); rest != std::string::npos) {
+        throw invalid_document(std::string(name) + ": byte " + std::to_string(rest) +
+                               ": text after the document's end");
     }
     return tree;
 }

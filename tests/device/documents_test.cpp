@@ -97,6 +97,8 @@ TEST(schema, says_what_is_wrong_and_where)
         {format::json, slices(port + "}," + port + "}"), {"spectrum-slice-power-info", "Duplicate"}},
         {format::json, "{\"Vantra-TALIN-ifmgr-cfg:interface-configurations\": {", {"line 1"}},
         {format::json, R"({"elsewhere:top": {}})", {"elsewhere"}},
+        {format::json, "{} {}", {"byte 3"}},
+        {format::xml, interfaces(good) + " rest", {"line 2", "rest"}},
     };
     const schema modules;
     for (const faulty &each : table) {
