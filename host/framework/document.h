@@ -1,0 +1,80 @@
+/*
+ * Management documents become data trees. A document is one file, XML (NETCONF style) or JSON (RFC 7951), recognised by
+ * its content; what it becomes is a virtual root, a node without tag, whose children are the document's top nodes.
+ *
+ * Nothing unknown is dropped on the way: what has no place in a tree (text between elements, attributes that are not
+ * edit operations, a document type) is an error.
+ */
+#ifndef FRAMEWORK_DOCUMENT_H
+#define FRAMEWORK_DOCUMENT_H
+
+#include "arena.h"
+#include "dtf.h"
+
+#include <cstddef>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace framework {
+
+/* "FILE:LINE:COLUMN: what" where the text is malformed, "FILE: /path/to/element: what" where its meaning is wrong. */
+class parse_error : public std::runtime_error
+{
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/* What a document is to be: it decides what a leaf without value and an edit operation mean. */
+enum class document_use {
+    data, /* device data or a reply: an empty JSON text is an empty value; edit operations are errors */
+    read, /* a filter: value-less leaves select; edit operations are checked and ignored */
+    edit, /* an edit: value-less leaves are legal; edit operations are set and inherited (edit_operations.h) */
+};
+
+struct document_options {
+    document_use use = document_use::data;
+    std::size_t size_limit = std::size_t{1} << 30; /* bytes */
+    std::size_t depth_limit = 500;                 /* levels of elements; a top container is level 1 */
+};
+
+/*
+ * A document's text as both parsers want it: writable (they work in place, so it can be read once only), `padding` zero
+ * bytes behind it. Trees point into it; the readers hand it to the tree's arena.
+ */
+struct document_text {
+    static constexpr std::size_t padding = 64;
+
+    std::string name; /* for messages: the file's name */
+    std::shared_ptr<char[]> bytes;
+    std::size_t size = 0;
+
+    std::string_view view() const { return {bytes.get(), size}; }
+};
+
+/* A copy of `text` under a name for messages. */
+document_text make_document_text(std::string_view text, std::string name);
+
+/* A file's text; "-" is standard input. Throws parse_error when it cannot be read or is over the limit. */
+document_text read_document_text(const std::string &path, std::size_t size_limit);
+
+enum class document_format { xml, json };
+
+/* Told by the first character that is not white space. Throws parse_error when it is neither. */
+document_format format_of(const document_text &text);
+
+/* The document's tree: a virtual root whose children are the top nodes. Throws parse_error. */
+dtf_datatree parse_document(const document_text &text, arena &memory, const document_options &options = {});
+
+/* read_document_text() and parse_document() in one. */
+dtf_datatree read_document(const std::string &path, arena &memory, const document_options &options = {});
+
+/* For the readers: "NAME:LINE:COLUMN: what" for the place `offset` bytes into the text, both counted from 1. */
+[[noreturn]] void fail_at(const document_text &text, std::size_t offset, const std::string &what);
+/* The same where the line is known already. */
+[[noreturn]] void fail_at(const document_text &text, std::size_t offset, std::ptrdiff_t line, const std::string &what);
+
+} // namespace framework
+
+#endif

@@ -1,0 +1,81 @@
+#include "tree_builder.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace framework {
+
+tree_builder::tree_builder(arena &memory, const document_text &text, const document_options &options)
+    : memory_(memory), text_(text), depth_limit_(options.depth_limit)
+{
+    waiting_.emplace_back().flags = DTF_FLAG_VALID;
+    open_.push_back(0);
+}
+
+dtf_datatree &tree_builder::add(const char *tag, const char *ns)
+{
+    if (open_.size() > depth_limit_)
+        fail_too_deep();
+    dtf_datatree &node = waiting_.emplace_back();
+    node.tag = tag;
+    node.ns = ns;
+    node.flags = DTF_FLAG_VALID;
+    return node;
+}
+
+void tree_builder::close()
+{
+    dtf_datatree &node = current();
+    const std::span<dtf_datatree> below = children();
+    open_.pop_back();
+    if (below.empty())
+        return;
+    node.children = static_cast<dtf_datatree *>(memory_.allocate(below.size_bytes()));
+    std::memcpy(node.children, below.data(), below.size_bytes());
+    node.child_count = node.child_room = static_cast<std::uint32_t>(below.size());
+    node.flags |= DTF_FLAG_HAS_SUBTREE;
+    waiting_.resize(waiting_.size() - below.size());
+}
+
+dtf_datatree tree_builder::finish()
+{
+    close();
+    memory_.keep(text_.bytes);
+    return waiting_.front();
+}
+
+/* The path would be as deep as the document: its first node has to do. */
+void tree_builder::fail_too_deep() const
+{
+    const std::string start = depth() == 0 ? "" : waiting_[open_[1]].tag;
+    throw parse_error(text_.name + ": /" + start + ": elements are nested deeper than the limit of " +
+                      std::to_string(depth_limit_) + " levels");
+}
+
+void tree_builder::fail(const std::string &what) const
+{
+    throw parse_error(text_.name + ": " + (depth() == 0 ? "/" : path()) + ": " + what);
+}
+
+void tree_builder::fail_child(std::string_view tag, const std::string &what) const
+{
+    throw parse_error(text_.name + ": " + path() + "/" + std::string(tag) + ": " + what);
+}
+
+/* Tags of the open nodes, each with its ordinal among equal siblings when it is not the first ("/a/b[3]/c"). */
+std::string tree_builder::path() const
+{
+    std::string path;
+    for (std::size_t level = 1; level < open_.size(); ++level) {
+        const char *const tag = waiting_[open_[level]].tag;
+        const auto siblings = std::span(waiting_).subspan(open_[level - 1] + 1, open_[level] - open_[level - 1] - 1);
+        const auto before = std::ranges::count_if(
+            siblings, [tag](const dtf_datatree &sibling) { return std::strcmp(sibling.tag, tag) == 0; });
+        path.append("/").append(tag);
+        if (before > 0)
+            path.append("[").append(std::to_string(before + 1)).append("]");
+    }
+    return path;
+}
+
+} // namespace framework

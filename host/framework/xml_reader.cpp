@@ -1,0 +1,345 @@
+#include "xml_reader.h"
+
+#include "edit_operations.h"
+#include "name_table.h"
+#include "tree_builder.h"
+#include "xml_text.h"
+
+#include <algorithm>
+#include <cstring>
+#include <pugixml.hpp>
+#include <utility>
+
+namespace framework {
+
+namespace {
+
+constexpr std::string_view xml_namespace = "http://www.w3.org/XML/1998/namespace";
+
+/*
+ * The parser's work is kept small: a leaf's first text stays in its element (embed_pcdata), references are decoded here
+ * (the parser keeps unknown ones as text), and text outside of the root is seen (fragment) so that it can be refused.
+ */
+constexpr unsigned parse_flags =
+    pugi::parse_minimal | pugi::parse_cdata | pugi::parse_doctype | pugi::parse_embed_pcdata | pugi::parse_fragment;
+
+bool is_text(const pugi::xml_node &node) { return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata; }
+
+/* The text lies in the document's own buffer, which the parser was given to write in. */
+char *writable(const char *text) { return const_cast<char *>(text); }
+
+class xml_reader
+{
+  public:
+    xml_reader(const document_text &text, arena &memory, const document_options &options)
+        : text_(text), memory_(memory), use_(options.use), builder_(memory, text, options), names_(memory)
+    {
+    }
+
+    dtf_datatree read();
+
+  private:
+    /* One namespace declaration; the default one has an empty prefix. */
+    struct binding {
+        std::string_view prefix;
+        const char *uri;   /* null: no namespace */
+        std::size_t level; /* of the element that declares it; the wrapper is at 0 */
+    };
+
+    /* What an element's attributes say beside its namespaces. */
+    struct attributes {
+        int operation = -1;                  /* none */
+        const char *filter_type = "subtree"; /* of a wrapper */
+    };
+
+    pugi::xml_node parse();
+    [[noreturn]] void fail_parse(std::ptrdiff_t offset, const std::string &what) const;
+    void read_root(pugi::xml_node root);
+    void read_wrapped(pugi::xml_node wrapper);
+    void read_tree(pugi::xml_node top);
+    bool read_element(pugi::xml_node element);
+    void read_leaf(pugi::xml_node element, const name_entry &name, const attributes &given);
+    void end_element();
+
+    void declare_namespaces(pugi::xml_node element, std::size_t level);
+    attributes read_attributes(pugi::xml_node element, bool is_wrapper);
+    void drop_bindings(std::size_t level);
+    const char *element_namespace(const name_entry &name) const;
+    const char *find_prefix(std::string_view prefix, const char *tag) const;
+    int read_operation(const char *tag, std::string_view word) const;
+    const name_entry &find_name(const char *name);
+    std::string_view text_of(pugi::xml_node element, const name_entry &name);
+    std::string_view decoded(char *text, const char *tag) const;
+
+    const document_text &text_;
+    arena &memory_;
+    document_use use_;
+    tree_builder builder_;
+    name_table names_;
+    pugi::xml_document document_;
+    std::ptrdiff_t lines_ = 0; /* line ends in the document */
+    std::vector<binding> bindings_;
+    const char *default_ns_ = nullptr;
+};
+
+dtf_datatree xml_reader::read()
+{
+    check_xml_text(text_);
+    lines_ = std::ranges::count(text_.view(), '\n');
+    read_root(parse());
+    dtf_datatree root = builder_.finish();
+    if (use_ == document_use::edit)
+        inherit_operations(root);
+    return root;
+}
+
+/* Parses, and returns the root element, the only thing that may stand at the top beside comments. */
+pugi::xml_node xml_reader::parse()
+{
+    const auto result = document_.load_buffer_inplace(text_.bytes.get(), text_.size, parse_flags, pugi::encoding_utf8);
+    if (!result)
+        fail_parse(result.offset, "malformed XML: " + std::string(result.description()));
+    pugi::xml_node root;
+    for (const pugi::xml_node node : document_.children()) {
+        if (node.type() == pugi::node_doctype)
+            fail_parse(node.offset_debug(), "a document type declaration is not allowed");
+        if (is_text(node))
+            fail_parse(node.offset_debug(), "text outside of the root element");
+        if (root)
+            fail_parse(node.offset_debug(), "second root element; several top containers stand in <data> or <config>");
+        root = node;
+    }
+    if (!root)
+        throw parse_error(text_.name + ": the document has no element");
+    return root;
+}
+
+/*
+ * The parser has overwritten line ends behind element names, but nothing behind `offset` where it stopped: so lines are
+ * counted from the end.
+ */
+void xml_reader::fail_parse(std::ptrdiff_t offset, const std::string &what) const
+{
+    const auto at = static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0));
+    fail_at(text_, at, 1 + lines_ - std::ranges::count(text_.view().substr(std::min(at, text_.size)), '\n'), what);
+}
+
+void xml_reader::read_root(pugi::xml_node root)
+{
+    const name_entry &name = find_name(root.name());
+    declare_namespaces(root, 0);
+    const char *const ns = element_namespace(name);
+    const std::string_view tag = name.tag;
+    const bool is_wrapper = tag == "data" || tag == "config" || tag == "filter";
+    if (is_wrapper && (ns == nullptr || ns == netconf_namespace)) {
+        read_wrapped(root);
+        return;
+    }
+    read_tree(root);
+}
+
+void xml_reader::read_wrapped(pugi::xml_node wrapper)
+{
+    const attributes given = read_attributes(wrapper, true);
+    if (std::strcmp(given.filter_type, "subtree") != 0)
+        builder_.fail("filters of type '" + std::string(given.filter_type) + "' are not supported, only subtree");
+    if (*wrapper.value() != '\0')
+        builder_.fail("text in <" + std::string(wrapper.name()) + ">");
+    for (const pugi::xml_node top : wrapper.children()) {
+        if (is_text(top))
+            builder_.fail("text in <" + std::string(wrapper.name()) + ">");
+        read_tree(top);
+    }
+}
+
+/* In document order, without recursion: documents nest as deep as they like until the builder refuses. */
+void xml_reader::read_tree(pugi::xml_node top)
+{
+    pugi::xml_node at = top;
+    for (;;) {
+        if (is_text(at)) {
+            if (*at.value() != '\0')
+                builder_.fail("text beside elements");
+        } else if (read_element(at)) {
+            at = at.first_child();
+            continue;
+        }
+        while (at != top && !at.next_sibling()) {
+            at = at.parent();
+            end_element();
+        }
+        if (at == top)
+            return;
+        at = at.next_sibling();
+    }
+}
+
+/* Adds the element. True when its children are to be read next; then it is open. */
+bool xml_reader::read_element(pugi::xml_node element)
+{
+    const name_entry &name = find_name(element.name());
+    attributes given;
+    if (element.first_attribute()) {
+        if (element.parent() != document_) /* the root's are declared, at level 0 */
+            declare_namespaces(element, builder_.depth() + 1);
+        given = read_attributes(element, false);
+    }
+    const pugi::xml_node first = element.first_child();
+    if (!first || is_text(first) || *element.value() != '\0') {
+        read_leaf(element, name, given);
+        return false;
+    }
+    dtf_datatree &node = builder_.open(name.tag, element_namespace(name));
+    if (given.operation >= 0)
+        set_operation(node, static_cast<std::uint32_t>(given.operation));
+    return true;
+}
+
+void xml_reader::read_leaf(pugi::xml_node element, const name_entry &name, const attributes &given)
+{
+    const char *const ns = element_namespace(name);
+    const std::string_view text = text_of(element, name);
+    dtf_datatree &node = builder_.add(name.tag, ns);
+    if (!text.empty())
+        set_value(node, text.data());
+    if (given.operation >= 0)
+        set_operation(node, static_cast<std::uint32_t>(given.operation));
+    drop_bindings(builder_.depth() + 1);
+}
+
+void xml_reader::end_element()
+{
+    drop_bindings(builder_.depth());
+    builder_.close();
+}
+
+/* ---- names and namespaces: the parser knows none ---- */
+
+const name_entry &xml_reader::find_name(const char *name)
+{
+    if (names_.guess()->text == name)
+        return *names_.take_guess();
+    const name_entry *const entry = names_.find(name);
+    if (entry == nullptr)
+        builder_.fail_child(name, "not an element name");
+    return *entry;
+}
+
+/* The declarations of an element, all of them before any name is resolved: their order does not matter. */
+void xml_reader::declare_namespaces(pugi::xml_node element, std::size_t level)
+{
+    for (const pugi::xml_attribute attribute : element.attributes()) {
+        std::string_view name = attribute.name();
+        if (!name.starts_with("xmlns") || (name.size() > 5 && name[5] != ':'))
+            continue;
+        name.remove_prefix(std::min<std::size_t>(name.size(), 6));
+        const std::string_view uri = decoded(writable(attribute.value()), element.name());
+        if (uri.empty() && !name.empty())
+            builder_.fail_child(element.name(), "prefix '" + std::string(name) + "' bound to no namespace");
+        bindings_.push_back({name, uri.empty() ? nullptr : names_.namespace_of(uri), level});
+        if (name.empty())
+            default_ns_ = bindings_.back().uri;
+    }
+}
+
+/* Forgets what the element of that level declared. */
+void xml_reader::drop_bindings(std::size_t level)
+{
+    bool default_changed = false;
+    for (; !bindings_.empty() && bindings_.back().level == level; bindings_.pop_back())
+        default_changed = default_changed || bindings_.back().prefix.empty();
+    if (default_changed)
+        default_ns_ = find_prefix({}, "");
+}
+
+const char *xml_reader::element_namespace(const name_entry &name) const
+{
+    return name.prefix.empty() ? default_ns_ : find_prefix(name.prefix, name.tag);
+}
+
+/* The innermost binding; of the empty prefix none is needed. */
+const char *xml_reader::find_prefix(std::string_view prefix, const char *tag) const
+{
+    const auto found = std::ranges::find(bindings_.rbegin(), bindings_.rend(), prefix, &binding::prefix);
+    if (found != bindings_.rend())
+        return found->uri;
+    if (prefix == "xml")
+        return xml_namespace.data();
+    if (!prefix.empty())
+        builder_.fail_child(tag, "unbound prefix '" + std::string(prefix) + "'");
+    return nullptr;
+}
+
+/* ---- attributes ---- */
+
+xml_reader::attributes xml_reader::read_attributes(pugi::xml_node element, bool is_wrapper)
+{
+    attributes given;
+    for (const pugi::xml_attribute attribute : element.attributes()) {
+        const std::string_view name = attribute.name();
+        if (name == "xmlns" || name.starts_with("xmlns:"))
+            continue;
+        const std::size_t colon = name.rfind(':');
+        const bool is_netconf =
+            colon != std::string_view::npos && find_prefix(name.substr(0, colon), element.name()) == netconf_namespace;
+        const std::string_view local = colon == std::string_view::npos ? name : name.substr(colon + 1);
+        if (is_netconf && local == "operation" && !is_wrapper && given.operation < 0)
+            given.operation = read_operation(element.name(), decoded(writable(attribute.value()), element.name()));
+        else if (is_wrapper && local == "type" && (is_netconf || colon == std::string_view::npos))
+            given.filter_type = decoded(writable(attribute.value()), element.name()).data();
+        else
+            builder_.fail_child(element.name(), "unexpected attribute '" + std::string(name) + "'");
+    }
+    return given;
+}
+
+/* The operation to set; -1 where the document's use gives it no meaning. */
+int xml_reader::read_operation(const char *tag, std::string_view word) const
+{
+    const auto operation = operation_of(word);
+    if (!operation)
+        builder_.fail_child(tag, "unknown edit operation '" + std::string(word) + "'");
+    if (use_ == document_use::data)
+        builder_.fail_child(tag, "edit operation in data");
+    return use_ == document_use::edit ? static_cast<int>(*operation) : -1;
+}
+
+/* ---- text ---- */
+
+/* A leaf's text. Comments and CDATA sections cut it into pieces; one piece, the rule, stays where it is. */
+std::string_view xml_reader::text_of(pugi::xml_node element, const name_entry &name)
+{
+    if (!element.first_child())
+        return decoded(writable(element.value()), name.tag);
+    try {
+        std::string whole;
+        append_decoded_xml(whole, element.value(), false);
+        for (const pugi::xml_node piece : element.children()) {
+            if (!is_text(piece))
+                builder_.fail_child(name.tag, "text beside elements");
+            append_decoded_xml(whole, piece.value(), piece.type() == pugi::node_cdata);
+        }
+        const std::string_view trimmed = trim_xml(whole);
+        return {memory_.copy(trimmed), trimmed.size()};
+    } catch (const xml_text_error &error) {
+        builder_.fail_child(name.tag, error.what);
+    }
+}
+
+std::string_view xml_reader::decoded(char *text, const char *tag) const
+{
+    try {
+        return decode_xml(text);
+    } catch (const xml_text_error &error) {
+        builder_.fail_child(tag, error.what);
+    }
+}
+
+} // namespace
+
+dtf_datatree read_xml(const document_text &text, arena &memory, const document_options &options)
+{
+    return xml_reader(text, memory, options).read();
+}
+
+} // namespace framework
