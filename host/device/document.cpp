@@ -8,6 +8,7 @@ namespace device {
 namespace {
 
 constexpr std::string_view white_space = " \t\r\n";
+/// Of UTF-8; some editors write one.
 constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
 
 /// What follows the white space at the beginning.
@@ -39,6 +40,7 @@ document read_document(const std::filesystem::path &file)
         refuse(file, std::to_string(size) + " bytes, more than the " + std::to_string(largest_document) +
                          " that a document may have");
     }
+    // The stream does not tell why it failed; errno does, where the system was asked at all.
     errno = 0;
     std::ifstream stream(file, std::ios::binary);
     document read{file.string(), std::string(size, '\0')};
@@ -72,7 +74,7 @@ document_kind kind_of(std::string_view text, std::string_view name)
         return document_kind::native_xml;
     }
     const std::string_view first_member = trimmed(trimmed(text).substr(1));
-    // Members of modules are written module:name, so no native document begins so.
+    // The top members of YANG data are written module:name (RFC 7951, section 4): none can be "inventory".
     return first_member.starts_with("\"inventory\"") ? document_kind::inventory : document_kind::native_json;
 }
 

@@ -12,6 +12,7 @@ void flat_writer::add(native_tag tag, std::size_t child_count, std::optional<std
     if (value && value->size() > longest_value) {
         throw std::length_error(std::string(text_of(tag)) + ": value longer than " + std::to_string(longest_value));
     }
+    // 0 says that there is no value; an empty one has the size of its NUL.
     const auto size = static_cast<std::uint16_t>(value ? value->size() + 1 : 0);
     record_ += static_cast<char>(tag);
     record_ += static_cast<char>(child_count);

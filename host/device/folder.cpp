@@ -7,6 +7,7 @@
 namespace device {
 namespace {
 
+/// The store, with LMDB's lock file beside it.
 std::filesystem::path store_of(const std::filesystem::path &path) { return path / "store.mdb"; }
 
 /// Whether the folder holds a whole store. One that was broken off, or a foreign file, counts as none: to complete the
@@ -35,6 +36,7 @@ const std::filesystem::path &prepared(const std::filesystem::path &path)
     return path;
 }
 
+/// Hands the path back when a store lies there.
 const std::filesystem::path &existing(const std::filesystem::path &path)
 {
     std::error_code error;

@@ -8,6 +8,7 @@
 namespace device {
 namespace {
 
+/// A name of another form could not be told from the others once it is part of a key.
 void require_monitor_name(std::string_view name)
 {
     if (!is_monitor_name(name)) {
@@ -33,6 +34,7 @@ bool add_monitor(ostore::write_transaction &txn, std::string_view name)
 {
     require_monitor_name(name);
     const std::string key = ostore::inventory_item_key(name);
+    // Written in either case: the record may be one of an older release.
     const bool is_new = !txn.get(txn.store().items(), key);
     const std::vector<std::byte> record = ostore::inventory_item_record(name);
     txn.put(txn.store().items(), key, {reinterpret_cast<const char *>(record.data()), record.size()});
@@ -47,6 +49,7 @@ bool remove_monitor(ostore::write_transaction &txn, std::string_view name)
 
 void replace_monitors(ostore::write_transaction &txn, const std::vector<std::string> &names)
 {
+    // The table holds items of other kinds, too.
     txn.erase_all(txn.store().items(), ostore::inventory_prefix);
     for (const std::string &name : names) {
         add_monitor(txn, name);

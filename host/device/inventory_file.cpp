@@ -9,6 +9,7 @@
 namespace device {
 namespace {
 
+/// Monitor names are kept in buffers of 20 bytes.
 constexpr std::size_t longest_monitor_name = 19;
 
 [[noreturn]] void refuse(std::string_view file, const std::string &cause)
@@ -23,12 +24,14 @@ std::string shown(simdjson::dom::element value)
     return text.size() > 60 ? text.substr(0, 60) + " ..." : text;
 }
 
+/// The array of the names, in a document that has nothing beside it.
 simdjson::dom::array members(simdjson::dom::element document, std::string_view file)
 {
     simdjson::dom::object object;
     if (document.get(object) != simdjson::SUCCESS) {
         refuse(file, "an inventory is an object {\"inventory\": [...]}");
     }
+    // Every member is looked at: simdjson leaves doubles standing, and finds the first of them.
     for (const auto member : object) {
         if (member.key != "inventory") {
             refuse(file, "unknown member \"" + std::string(member.key) + "\": an inventory has \"inventory\" alone");

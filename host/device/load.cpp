@@ -7,8 +7,10 @@
 namespace device {
 namespace {
 
+/// The monitors of an inventory file, none while there was none.
 using names = std::optional<std::vector<std::string>>;
 
+/// Reads one document, whatever it is, into what it belongs to.
 void read(const schema &modules, const document &from, native_records &records, names &monitors)
 {
     const document_kind kind = kind_of(from.text, from.name);
@@ -26,6 +28,7 @@ void read(const schema &modules, const document &from, native_records &records, 
 
 load_summary load(folder &into, const schema &modules, const std::vector<document> &documents)
 {
+    // First everything that can fail for the documents' sake and takes long; the writers' lock is not held meanwhile.
     native_records records;
     names monitors;
     for (const document &each : documents) {

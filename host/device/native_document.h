@@ -2,7 +2,7 @@
 #pragma once
 
 #include "device/document.h"
-#include "device/native_writer.h"
+#include "device/native_records.h"
 #include "device/schema.h"
 
 namespace device {

@@ -20,8 +20,12 @@ struct native_leaf {
 /// Appends an entry and its leaves to a record.
 void add_entry(flat_writer &writer, native_tag root, std::span<const native_leaf> leaves);
 
-/// The flat form of one entry.
+/// The flat form of one entry, its leaves in the order of the tags: keys first, as documents want them (RFC 7950,
+/// section 7.8.5), and the same bytes for the same content.
 std::string entry_of(native_tag root, std::span<const native_leaf> leaves);
+
+/// The value of one of the leaves; throws std::invalid_argument when the leaf is missing or has none, as no key may.
+std::string_view key_leaf(std::span<const native_leaf> leaves, native_tag tag);
 
 /// The leaves of a well-formed flat entry, in their order; they point into it. None for empty bytes.
 std::vector<native_leaf> leaves_of(std::string_view entry);

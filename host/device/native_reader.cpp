@@ -48,6 +48,7 @@ slice_cursor::slice_cursor(const native_reader &reader, const ots_port &port)
 
 bool slice_cursor::next_chunk()
 {
+    // The last chunk is through: all that the port promised must have come.
     if (!records_.next()) {
         if (slices_due_ != 0 || leaves_due_ != 0) {
             refuse_count();

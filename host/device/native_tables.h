@@ -12,8 +12,11 @@
 /// one of these forms raises the store's format number (ostore/database.cpp).
 #pragma once
 
+#include "device/native_entry.h"
+
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +38,9 @@ inline constexpr std::size_t slice_count_size = sizeof(std::uint32_t);
 
 /// Key of an entry of the interface configuration.
 std::string interface_key(std::string_view active, std::string_view name);
+
+/// The same for an entry as its leaves; throws std::invalid_argument when a key leaf is missing.
+std::string interface_key(std::span<const native_leaf> leaves);
 
 /// What the keys of a port's slices begin with. No name holds a NUL, so no port's prefix is part of another one's.
 std::string slices_prefix(std::string_view port);

@@ -5,6 +5,7 @@
 namespace device {
 namespace {
 
+/// By number.
 constexpr std::array<const char *, native_tag_count> texts = {
     "interface-configuration",
     "active",
@@ -26,6 +27,7 @@ const char *text_of(native_tag tag) { return texts.at(static_cast<std::size_t>(t
 
 std::optional<native_tag> native_tag_of(std::string_view text)
 {
+    // A handful of short names: comparing with each is quicker than any table.
     for (std::size_t index = 0; index < texts.size(); ++index) {
         if (text == texts[index]) {
             return static_cast<native_tag>(index);

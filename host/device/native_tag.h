@@ -8,15 +8,19 @@
 namespace device {
 
 /// A node name of the native models. The numbers are part of the stored form: add at the end, never renumber.
+/// Within an entry they follow the schema, keys first.
 enum class native_tag : std::uint8_t {
+    // /interface-configurations/interface-configuration of Vantra-TALIN-ifmgr-cfg
     interface_configuration,
     active,
     interface_name,
     description,
     shutdown,
     mtu,
+    // /ots-oper/ots-ports/ots-port of Vantra-TALIN-controller-kestrel-ots-oper
     ots_port,
     name,
+    // ots-spectrum-info/spectrum-slice-power-info below it
     spectrum_slice_power_info,
     lower_frequency,
     upper_frequency,

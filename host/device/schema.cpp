@@ -9,6 +9,7 @@
 namespace device {
 namespace {
 
+/// What they import is found by libyang in the same folder.
 constexpr const char *module_names[] = {"openconfig-channel-monitor", "Vantra-TALIN-controller-kestrel-ots-oper",
                                         "Vantra-TALIN-ifmgr-cfg"};
 
@@ -102,7 +103,8 @@ schema::schema(const std::filesystem::path &folder)
     if (!std::filesystem::is_directory(folder)) {
         throw std::runtime_error(folder.string() + ": no folder of YANG modules there ($CHMON_YANG can name another)");
     }
-    // Errors are kept for last_error(), not printed: only the caller knows what to say to whom.
+    // A setting of the whole process. Errors are kept for last_error(), not printed: only the caller knows what to say
+    // to whom.
     ly_log_options(LY_LOSTORE);
     ly_ctx *context = nullptr;
     if (ly_ctx_new(folder.c_str(), LY_CTX_DISABLE_SEARCHDIR_CWD | LY_CTX_NO_YANGLIBRARY, &context) != LY_SUCCESS) {
@@ -127,6 +129,7 @@ data_tree schema::parse(const std::string &text, format written_as, check how, s
     if (const auto nul = text.find('\0'); nul != std::string::npos) {
         throw invalid_document(std::string(name) + ": byte " + std::to_string(nul) + " is NUL: not a text");
     }
+    // So that last_error() cannot tell of an earlier document.
     ly_err_clean(context_.get(), nullptr);
     lyd_node *first = nullptr;
     const LYD_FORMAT language = written_as == format::xml ? LYD_XML : LYD_JSON;

@@ -196,7 +196,7 @@ TEST_F(store, changes_single_entries)
     const auto entry = [](const char *name) {
         return std::vector<native_leaf>{{native_tag::interface_name, name}, {native_tag::active, "act"}};
     };
-    const leaves bare = {{"interface-name", "Ots0/1/0/0"}, {"active", "act"}};
+    const leaves bare = {{"active", "act"}, {"interface-name", "Ots0/1/0/0"}};
     leaves described = bare;
     described.emplace_back("description", "line to Zürich, booster");
 
