@@ -105,6 +105,8 @@ void host::note(const std::string &line)
 {
     finish_report();
     lines.push_back(line);
+    if (watch)
+        watch();
 }
 
 /* A report is over when anything else happens: both sinks must have had it by then. */
@@ -280,6 +282,8 @@ void host::reported(const char *level, const std::string &message)
 {
     reports.push_back({level, message});
     lines.push_back(std::string(level) + ' ' + message);
+    if (watch)
+        watch();
 }
 
 } // namespace recording

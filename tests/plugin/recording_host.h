@@ -79,6 +79,8 @@ struct host {
     std::size_t fail_at = 0;
     bool fail_on = false, fail_copies = false;
     std::function<void(host &, const addition &)> on_add{};
+    /* Called at every line, before the plug-in goes on: for a test that follows the states between two calls. */
+    std::function<void()> watch{};
 
     /* Records. A report is a line too: "TRC function: text", or "TRC text" while the trace buffer is off. */
     std::vector<std::string> lines;
