@@ -157,7 +157,8 @@ std::string_view decode_xml(char *text)
         --end;
     if (!plain)
         end = decode(text, end, true);
-    *end = '\0';
+    if (*end != '\0') /* the text of an empty element is the parser's own, which cannot be written */
+        *end = '\0';
     return {text, static_cast<std::size_t>(end - text)};
 }
 
