@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <iostream>
+#include <string>
 
 namespace {
 
@@ -27,6 +28,10 @@ int run(int argc, char **argv)
     /* Set before the commands are added: they take it over, and so global options may follow the command. */
     app.fallthrough();
     app.require_subcommand(1);
+    app.footer("Each command has a --help of its own.");
+    app.failure_message([](const CLI::App *, const CLI::Error &wrong) {
+        return "chmon: " + std::string(wrong.what()) + "; see chmon --help\n";
+    });
 
     cli::global_options globals;
     cli::add_global_options(app, globals);

@@ -1,12 +1,48 @@
 #include "commands.h"
+#include "format_option.h"
 
-#include <CLI/CLI.hpp>
+#include "service/native_mapping.h"
+#include "service/temporary_inventory.h"
+
+#include <iostream>
+#include <memory>
 
 namespace cli {
 
-void add_map(CLI::App &app, global_options &)
+namespace {
+
+struct map_arguments {
+    service::map_options options;
+    std::string inventory;
+};
+
+void map(const map_arguments &arguments, const global_options &globals)
 {
-    app.add_subcommand("map", "Map a native document to an OpenConfig document");
+    service::map_options options = arguments.options;
+    options.walks = globals.walks();
+    const service::plugin mapper;
+    const service::temporary_inventory inventory{std::filesystem::path(arguments.inventory)};
+    std::cout << service::map_document(mapper, options);
+}
+
+} // namespace
+
+void add_map(CLI::App &app, global_options &globals)
+{
+    CLI::App *const command = app.add_subcommand("map", "Map a native document to an OpenConfig document");
+    const auto arguments = std::make_shared<map_arguments>();
+    command->add_option("document", arguments->options.document, "Native document, XML or JSON; - is standard input")
+        ->type_name("NATIVE-FILE")
+        ->required();
+    command->add_option("--inventory", arguments->inventory, "The monitors that the device has")
+        ->type_name("FILE")
+        ->required();
+    add_format_option(*command, arguments->options.format, "without it as the document is");
+    command->add_option("--kind", arguments->options.kind, "Kind of the request that the data answers")
+        ->capture_default_str();
+    command->add_flag("--validate", arguments->options.validate,
+                      "Check the document and the result against the YANG modules");
+    command->callback([arguments, &globals] { map(*arguments, globals); });
 }
 
 } // namespace cli

@@ -1,0 +1,29 @@
+#include "service/temporary_inventory.h"
+
+#include "device/document.h"
+#include "device/inventory.h"
+#include "device/inventory_file.h"
+#include "ostore/transaction.h"
+
+namespace service {
+
+namespace {
+
+std::vector<std::string> monitors_in(const std::filesystem::path &file)
+{
+    const device::document inventory = device::read_document(file);
+    return device::read_inventory(inventory.text, inventory.name);
+}
+
+} // namespace
+
+temporary_inventory::temporary_inventory(const std::filesystem::path &file) : temporary_inventory(monitors_in(file)) {}
+
+temporary_inventory::temporary_inventory(const std::vector<std::string> &monitors)
+{
+    ostore::write_transaction change(store_);
+    device::replace_monitors(change, monitors);
+    change.commit();
+}
+
+} // namespace service
