@@ -24,9 +24,8 @@ host *current = nullptr;
 
 namespace {
 
-/* What is known of a reporting place's word, by its address; and the word of a place. Words outlive every host. */
-std::map<uint32_t *, std::pair<uint32_t, std::string>> place_of_word;
-std::map<std::string, uint32_t *> word_of_place;
+/* Reporting places by the address of their words, which outlive every host. */
+std::map<uint32_t *, site> sites;
 bool library_found = false;
 
 DTF_PRINTF_LIKE(1, 0) std::string printed_list(const char *format, va_list arguments)
@@ -43,10 +42,11 @@ std::string quoted(const char *text) { return text == nullptr ? "null" : '"' + s
 
 std::string ns_name(const char *ns)
 {
-    const std::map<std::string, std::string> known = {{CHMON_NS_OPENCONFIG_CHANNEL_MONITOR, "oc"},
-                                                      {CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER, "ots"},
-                                                      {CHMON_NS_VANTRA_TALIN_IFMGR_CFG, "ifmgr"}};
-    return ns != nullptr && known.contains(ns) ? known.at(ns) : quoted(ns);
+    static const std::map<std::string, std::string> known = {{CHMON_NS_OPENCONFIG_CHANNEL_MONITOR, "oc"},
+                                                             {CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER, "ots"},
+                                                             {CHMON_NS_VANTRA_TALIN_IFMGR_CFG, "ifmgr"}};
+    const auto found = known.find(ns == nullptr ? "" : ns);
+    return found == known.end() ? quoted(ns) : found->second;
 }
 
 /* The host of a call, which must be given that host's own context. */
@@ -95,10 +95,10 @@ host::~host()
     current = current == this ? nullptr : current;
 }
 
-void host::violate(bool broken, const std::string &what)
+void host::violate(bool broken, std::string_view what)
 {
     if (broken)
-        violations.push_back(what + ", after line " + std::to_string(lines.size()));
+        violations.emplace_back(what);
 }
 
 void host::note(const std::string &line)
@@ -244,7 +244,8 @@ std::string host::dump(const dtf_datatree *node, const std::string &indent) cons
         indent + printed("%s %s ns=%s op=%u count=%u kind=%u/%x key=%u error=%u flags=%x\n", name(node).c_str(),
                          quoted(node->value).c_str(), ns_name(node->ns).c_str(), node->operation, node->child_count,
                          node->node_kind, node->kind_flags, node->is_key, node->error_kind, node->flags);
-    for (uint32_t i = 0; node->children != nullptr && i < node->child_count; ++i)
+    for (uint32_t i = 0;
+         (node->flags & DTF_FLAG_HAS_SUBTREE) != 0 && node->children != nullptr && i < node->child_count; ++i)
         all += dump(&node->children[i], indent + "  ");
     return all;
 }
@@ -334,20 +335,16 @@ void _plat_dt_log_filter_adv(void *log, uint32_t a, uint32_t b, uint32_t c, uint
     va_end(arguments);
     const bool err = log == h.context.err_log;
     const std::string start = printed("%s: DTF: ctx=%p,", err ? "ERR" : "TRC", static_cast<void *>(&h.context));
-    h.violate(!err && log != h.context.trc_log, "unknown log");
-    h.violate((a | b | c | d | e) != 0, "words not zero");
-    h.violate(!line.starts_with(start) || std::string(format).find("%p,") == std::string::npos, "log line " + line);
+    h.violate((!err && log != h.context.trc_log) || (a | b | c | d | e) != 0 || !line.starts_with(start), line);
     h.violate(h.asked_level != (err ? DTF_LEVEL_ERR : DTF_LEVEL_TRC), "logged without asking");
     h.asked_level.reset();
     h.reported(err ? "ERR" : "TRC", line.substr(std::min(start.size(), line.size())));
-    h.reports.back().logged = true;
-    h.reports.back().format = format;
-    h.reports.back().site_word = site_word;
-    const auto seen = place_of_word.try_emplace(site_word, 0xffffffff, format);
-    auto &[state, known_format] = seen.first->second;
-    h.violate(*site_word != state, printed("site word %x for %x", *site_word, state));
-    h.violate(known_format != format, "site word shared by " + known_format + " and " + format);
-    *site_word = state = static_cast<uint32_t>(place_of_word.size());
+    h.reports.back().site = &sites.try_emplace(site_word).first->second;
+    site &place = *h.reports.back().site;
+    h.violate(*site_word != place.word || (!place.format.empty() && place.format != format),
+              "site word shared or changed");
+    place.format = format;
+    *site_word = place.word = static_cast<uint32_t>(sites.size());
 }
 
 uint32_t ret_nc_dtf_trace_index_incr(void)
@@ -366,31 +363,31 @@ void _ringlog(void *trace_ring, uint64_t tag, const char *line)
     unsigned index = 0;
     int number = 0;
     const int read = std::sscanf(line, "#%u: %3s: %199[^:]:%d ctx=", &index, level, function, &number);
-    // A wanted level has just gone to the debug log; the filter alone says whether this report did.
-    const bool logged =
-        (h.context.debug_filter.levels >> (std::string(level) == "ERR" ? DTF_LEVEL_ERR : DTF_LEVEL_TRC) & 1) != 0;
     const std::string start =
         printed("#%u: %s: %s:%d ctx=%p,", index, level, function, number, static_cast<void *>(&h.context));
-    h.violate(std::strlen(line) > 249, "trace line too long");
+    // The filter alone says whether this report's line has just gone to the debug log.
+    const bool logged = (h.context.debug_filter.levels >> (*level == 'E' ? DTF_LEVEL_ERR : DTF_LEVEL_TRC) & 1) != 0;
     if (!logged)
         h.reported(level, std::string(line).substr(std::min(start.size(), std::strlen(line))));
     if (h.reports.empty())
-        return h.violate(true, "trace line without report");
+        return h.violate(true, line);
     report &r = h.reports.back();
-    h.violate(read != 4 || trace_ring != h.context.trace_ring || tag != 0x10101000000, "trace call");
-    h.violate(r.traced || r.logged != logged || h.drawn != index, "trace line out of order");
-    h.violate(line != (start + r.text).substr(0, 249), "trace line " + std::string(line));
+    h.violate(read != 4 || trace_ring != h.context.trace_ring || tag != 0x10101000000 || h.drawn != index ||
+                  r.line != 0 || (r.site != nullptr) != logged || line != (start + r.text).substr(0, 249),
+              line);
     h.drawn.reset();
-    r.traced = true;
     r.function = function;
     r.line = number;
     h.lines.back() = r.level + ' ' + function + ": " + r.text;
-    const std::string place = r.function + ':' + std::to_string(number) + ' ' + r.format;
-    if (logged && word_of_place.try_emplace(place, r.site_word).first->second != r.site_word)
-        h.violate(true, "two site words for " + place);
-    static std::map<uint32_t *, std::string> place_of;
-    if (logged && place_of.try_emplace(r.site_word, place).first->second != place)
-        h.violate(true, "site word shared by " + place + " and " + place_of[r.site_word]);
+    if (!logged)
+        return;
+    // A place is a line of a function with a format; it has one word, and the word is its alone.
+    static std::map<std::string, site *> site_of_place;
+    const std::string place = printed("%s:%d ", function, number) + r.site->format;
+    h.violate((!r.site->place.empty() && r.site->place != place) ||
+                  site_of_place.try_emplace(place, r.site).first->second != r.site,
+              "site word shared or two for one place");
+    r.site->place = place;
 }
 
 void dtf_oc_error_path(dtf_map_ctx ctx) { at(ctx).note("error_path " + quoted(ctx->req_ctx->error_tag)); }

@@ -49,12 +49,17 @@ struct addition {
     faultno code;
 };
 
-/* One report; function and line are known only while the trace buffer is on. */
+/* A reporting place, as its site word tells it. The word is all ones first, and what the host left there after that. */
+struct site {
+    uint32_t word = 0xffffffff;
+    std::string format{}, place{};
+};
+
+/* One report. function and line are known while the trace buffer is on, site while the debug log takes the level. */
 struct report {
-    std::string level, text, function{}, format{};
+    std::string level, text, function{};
     int line = 0;
-    uint32_t *site_word = nullptr;
-    bool logged = false, traced = false;
+    recording::site *site = nullptr;
 };
 
 std::string printed(const char *format, ...) DTF_PRINTF_LIKE(1, 2);
@@ -107,7 +112,7 @@ struct host {
 
     /* The rest serves the operations. */
     void note(const std::string &line);
-    void violate(bool broken, const std::string &what);
+    void violate(bool broken, std::string_view what);
     bool fails(bool copy = false);
     std::string name(const dtf_datatree *node) const;
     std::string sprout(dtf_datatree &node, const char *p, const char *ns, const char **end);
