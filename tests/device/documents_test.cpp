@@ -30,7 +30,7 @@ template <class Call> std::string refusal(Call call)
 }
 
 /// Whether a message names the document first, is one line of bounded length and holds all of the given parts.
-void expect_message(const std::string &message, std::vector<const char *> parts)
+void expect_message(const std::string &message, const std::vector<const char *> &parts)
 {
     EXPECT_EQ(message.rfind("doc: ", 0), 0U) << message;
     EXPECT_EQ(message.find('\n'), std::string::npos) << message;

@@ -31,13 +31,13 @@ std::pair<std::string, std::vector<leaves>> spectrum(const std::string &port, un
     std::string text;
     std::vector<leaves> expected;
     for (unsigned i = 0; i < slices; ++i) {
-        const std::string lower = std::to_string(i), upper = std::to_string(i + 1), power = "-" + std::to_string(i + 1);
+        const std::string lower = std::to_string(i), upper = std::to_string(i + 1);
         expected.push_back({{"lower-frequency", lower}, {"upper-frequency", upper}});
-        text +=
-            (i == 0 ? "" : ",") + (R"({"lower-frequency": ")" + lower) + R"(", "upper-frequency": ")" + upper + "\"";
+        text.append(i == 0 ? "" : ",").append(R"({"lower-frequency": ")").append(lower);
+        text.append(R"(", "upper-frequency": ")").append(upper).append("\"");
         if (i % 3 != 0) {
-            expected.back().emplace_back("rx-power", power);
-            text += ", \"rx-power\": " + power;
+            expected.back().emplace_back("rx-power", "-" + upper);
+            text.append(", \"rx-power\": -").append(upper);
         }
         text += "}";
     }
