@@ -28,6 +28,7 @@ faultno copy_item(std::string_view item, void **data, std::uint32_t *length)
     /* Readers of a parcel's header are not told its length, so that much must be there. */
     if (item.size() < parcel_header_size)
         return fault_item_damaged;
+    /* The caller releases it with the standard free(). NOLINTNEXTLINE(cppcoreguidelines-*) */
     void *block = std::malloc(item.size());
     if (block == nullptr)
         return fault_client_memory;

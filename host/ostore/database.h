@@ -54,8 +54,9 @@ class database
     /* Every store has the table of the items that the system-database client reads. */
     static constexpr const char *items_table = "items";
     static constexpr std::size_t max_key_size = 511;
-    /* How large a store can grow. Only address space: the file has the size of what it holds. */
-    static constexpr std::size_t default_map_size = sizeof(void *) > 4 ? std::size_t{64} << 30 : std::size_t{1} << 30;
+    /* How large a store can grow. Only address space: the file has the size of what it holds. Some room is left for
+     * tools that cannot give a process more (valgrind). */
+    static constexpr std::size_t default_map_size = sizeof(void *) > 4 ? std::size_t{16} << 30 : std::size_t{1} << 30;
 
     /*
      * Opens the store in `file`, making it first where there is none. `tables` are the tables wanted beside "items", up

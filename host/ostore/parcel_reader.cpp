@@ -10,9 +10,9 @@
 #include "ostore/parcel_format.h"
 #include "ostore/usage.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <type_traits>
 
 namespace ostore {
@@ -39,10 +39,7 @@ struct raw_token {
     std::size_t value_size;
 };
 
-struct releaser {
-    void operator()(char *text) const { std::free(text); }
-};
-using heap_text = std::unique_ptr<char, releaser>;
+using heap_text = std::unique_ptr<const char[]>;
 
 std::uint32_t little_endian(const unsigned char *bytes, std::size_t size)
 {
@@ -87,19 +84,19 @@ faultno follow_groups(parcel_token_type_td type, std::uint64_t &open_groups)
 {
     if (type == PARCEL_TOKEN_GROUP)
         ++open_groups;
-    else if (type == PARCEL_TOKEN_GROUP_END && open_groups-- == 0)
+    const bool closes = type == PARCEL_TOKEN_GROUP_END;
+    if ((closes && open_groups == 0) || (type == PARCEL_TOKEN_END && open_groups != 0))
         return fault_parcel_group;
-    else if (type == PARCEL_TOKEN_END && open_groups != 0)
-        return fault_parcel_group;
+    if (closes)
+        --open_groups;
     return FAULT_SUCCESS;
 }
 
-/* A heap copy of a text of the record, its terminator included; null without memory. */
+/* A heap copy of a text of the record, its terminator included. */
 heap_text copy_text(const unsigned char *bytes, std::size_t size)
 {
-    heap_text copy(static_cast<char *>(std::malloc(size)));
-    if (copy)
-        std::memcpy(copy.get(), bytes, size);
+    auto copy = std::make_unique<char[]>(size);
+    std::memcpy(copy.get(), bytes, size);
     return copy;
 }
 
@@ -126,17 +123,13 @@ void set_number(const raw_token &raw, parcel_token_td &token)
 }
 
 /* Turns a checked raw token into one that owns its texts. */
-faultno decode(const raw_token &raw, parcel_token_td &token)
+parcel_token_td decode(const raw_token &raw)
 {
-    heap_text name;
-    heap_text text;
     const int size = parcel_value_size(raw.type);
-    if (raw.name_size != 0 && !(name = copy_text(raw.name, raw.name_size)))
-        return fault_parcel_memory;
-    if (size == parcel_text_value && !(text = copy_text(raw.value, raw.value_size)))
-        return fault_parcel_memory;
+    heap_text name = raw.name_size != 0 ? copy_text(raw.name, raw.name_size) : nullptr;
+    heap_text text = size == parcel_text_value ? copy_text(raw.value, raw.value_size) : nullptr;
 
-    token = parcel_token_td{};
+    parcel_token_td token{};
     token.type = raw.type;
     token.field_name = name.release();
     if (raw.type == PARCEL_TOKEN_TEXT)
@@ -145,17 +138,18 @@ faultno decode(const raw_token &raw, parcel_token_td &token)
         token.second_text = text.release();
     else if (size > 0)
         set_number(raw, token);
-    return FAULT_SUCCESS;
+    return token;
 }
 
 /* Frees a text that a token owned. */
 void drop(const char *&text)
 {
-    std::free(const_cast<char *>(text));
+    heap_text(text).reset();
     text = nullptr;
 }
 
-/* The token after the walk's place; on success the walk stands behind it. */
+/* The token after the walk's place; on success the walk stands behind it. Throws std::bad_alloc, and nothing happened.
+ */
 faultno next_token(walk_state &walk, parcel_token_td &token)
 {
     raw_token raw{};
@@ -163,10 +157,9 @@ faultno next_token(walk_state &walk, parcel_token_td &token)
     std::uint64_t open_groups = walk.open_groups;
     if (rc == FAULT_SUCCESS)
         rc = follow_groups(raw.type, open_groups);
-    if (rc == FAULT_SUCCESS)
-        rc = decode(raw, token);
     if (rc != FAULT_SUCCESS)
         return rc;
+    token = decode(raw);
     const std::size_t used = parcel_token_head_size + raw.name_size + raw.value_size;
     walk.at += used;
     walk.left -= used;
@@ -225,9 +218,13 @@ faultno parcel_generic_token(parcel_walk_td *walk, parcel_token_td *token)
     std::memcpy(&state, walk, sizeof state);
     if (state.mark != running_mark)
         return fault_parcel_ended;
-    const faultno rc = next_token(state, *token);
-    if (rc != FAULT_SUCCESS)
-        return rc;
+    try {
+        const faultno rc = next_token(state, *token);
+        if (rc != FAULT_SUCCESS)
+            return rc;
+    } catch (const std::bad_alloc &) {
+        return fault_parcel_memory;
+    }
     std::memcpy(walk, &state, sizeof state);
     count(&usage_counts::tokens_decoded);
     return FAULT_SUCCESS;

@@ -32,12 +32,17 @@ struct stat look_at(int descriptor, const std::string &name)
     return facts;
 }
 
+/* Non-blocking for the case that the path names a pipe or device, which is refused later. */
+int open_file(const std::string &path, bool create)
+{
+    return ::open(path.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0), 0640);
+}
+
 } // namespace
 
-store_file::store_file(const std::filesystem::path &path, bool create) : name_(path.string()), path_(path.string())
+store_file::store_file(const std::filesystem::path &path, bool create)
+    : name_(path.string()), path_(path.string()), descriptor_(open_file(path_, create))
 {
-    /* Non-blocking for the case that the path names a pipe or device, which is refused below. */
-    descriptor_ = ::open(path_.c_str(), O_RDWR | O_CLOEXEC | O_NONBLOCK | (create ? O_CREAT : 0), 0640);
     if (descriptor_ < 0)
         throw_store_error(name_, create ? "create" : "open", errno);
     try {

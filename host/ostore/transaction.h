@@ -48,12 +48,13 @@ class transaction
     /* The LMDB transaction; throws after it has ended. */
     MDB_txn *handle() const;
 
+  private:
+    friend class cursor;
+    friend class write_transaction;
+
     const database &store_;
     MDB_txn *txn_ = nullptr;
     mutable read_counts counts_;
-
-  private:
-    friend class cursor;
 };
 
 /* A view of the store as it is now. Waits for nobody. */
@@ -69,6 +70,8 @@ class write_transaction : public transaction
 {
   public:
     explicit write_transaction(const database &store);
+    write_transaction(const write_transaction &) = delete;
+    write_transaction &operator=(const write_transaction &) = delete;
     ~write_transaction();
 
     /* Stores a record, in place of one with the same key. */

@@ -5,14 +5,15 @@
 #include "ostore/parcel_format.h"
 #include "ostore/transaction.h"
 #include "ostore/usage.h"
-#include "parcel.h"
 
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
 
 namespace {
 
@@ -40,9 +41,8 @@ std::string fetch(const char *path, const std::string &item)
         EXPECT_EQ(rc & 0xffffff00u, 0x8081c200u);
         return ostore::fault_text(rc);
     }
-    std::string bytes(static_cast<const char *>(data), length);
-    free(data);
-    return bytes;
+    const std::unique_ptr<void, decltype(&std::free)> owned(data, std::free);
+    return {static_cast<const char *>(data), length};
 }
 
 TEST(client, items_of_the_served_database)
@@ -102,9 +102,6 @@ TEST(client, presence_test_answers_for_the_one_path)
     }
     EXPECT_EQ(access(library, R_OK), -1);
     EXPECT_EQ(access("/", R_OK), 0);
-    const char *volatile nowhere = nullptr;
-    EXPECT_EQ(reinterpret_cast<int (*)(const char *, int)>(dlsym(RTLD_DEFAULT, "access"))(nowhere, R_OK), -1);
-    EXPECT_EQ(errno, EFAULT);
 }
 
 TEST(inventory, keys_and_records_give_the_name_back)
@@ -113,20 +110,14 @@ TEST(inventory, keys_and_records_give_the_name_back)
         const std::string key = ostore::inventory_item_key(name);
         EXPECT_EQ(ostore::inventory_item_monitor(key), name) << key;
         const auto record = ostore::inventory_item_record(name);
-        parcel_walk_td walk{};
-        ASSERT_EQ(parcel_generic_init(record.data(), static_cast<std::uint32_t>(record.size()), &walk), 0u);
-        std::string found;
-        parcel_token_td token{};
-        while (parcel_generic_token(&walk, &token) == FAULT_SUCCESS) {
-            const std::string field = token.field_name != nullptr ? token.field_name : "";
-            if (found.empty() && token.type == PARCEL_TOKEN_GROUP && field == "inv_phy_entity_basic_info")
-                found = "group ";
-            else if (found == "group " && token.type == PARCEL_TOKEN_TEXT && field == "Name")
-                found += token.value.text;
-            parcel_generic_free_token_allocations(&token);
-        }
-        parcel_generic_destroy(&walk);
-        EXPECT_EQ(found, std::string("group ") + name);
+        const std::string bytes(reinterpret_cast<const char *>(record.data()), record.size());
+        /* A text field "Name" of type 12, its two lengths before it, somewhere behind the group that readers look for.
+         */
+        std::string field{12, 0, 0, 0, 5, 0, 0, 0, static_cast<char>(std::strlen(name) + 1), 0, 0, 0};
+        field += std::string("Name\0", 5) + name + '\0';
+        const std::size_t group = bytes.find(std::string("inv_phy_entity_basic_info\0", 26));
+        EXPECT_NE(group, std::string::npos);
+        EXPECT_NE(bytes.find(field, group), std::string::npos) << name;
     }
     EXPECT_EQ(ostore::inventory_item_key("0/1-CHMON-BST"),
               "/oper/inventory/gl/entity/0%2f1-CHMON-BST/attrib/inv_basic_parcel");

@@ -16,6 +16,8 @@ struct temporary_folder {
             throw std::runtime_error("cannot make " + name);
         path = name;
     }
+    temporary_folder(const temporary_folder &) = delete;
+    temporary_folder &operator=(const temporary_folder &) = delete;
     ~temporary_folder() { std::filesystem::remove_all(path); }
 
     std::filesystem::path path;
