@@ -1,0 +1,190 @@
+#!/usr/bin/env python3
+"""Runs the program on golden cases and on the worked examples of the documents, and compares what it prints.
+
+usage: run.py --chmon PROGRAM [--floor N] [--write] CASES-FOLDER|DOCUMENT.md ...
+
+A case is a folder, at any depth, that holds a file `command`: one command line of chmon per line, quoted as in a shell,
+without the program's name ("< FILE" at its end gives standard input; lines with # are remarks). They run one after the
+other in a scratch copy of the folder, in which `examples` and `shared` lead to the examples and to tests/golden/shared.
+
+    expected        what they print on standard output, all together; without it they must print nothing
+    expected-error  the same for standard error; a line that begins with ~ is a regular expression for one line
+    status          exit statuses, one per command; without it all are 0
+
+A worked example of a document is a fenced block that begins with "$ ". "$ cat FILE" defines a file of the examples that
+follow, up to the next heading of the highest two levels; "$ chmon ..." is run and must print, on both outputs together,
+what follows it. A line that holds nothing but "..." stands for any number of lines.
+
+--write writes expected, expected-error and status of failing cases anew: read the difference before you keep it.
+"""
+
+import argparse
+import difflib
+import os
+import pathlib
+import re
+import shlex
+import shutil
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+OWN_FILES = {"command", "expected", "expected-error", "status"}
+TIME_LIMIT = 120  # seconds a command may take, sanitizers and a busy machine included
+
+
+def environment():
+    """The caller's, without what would make the program look elsewhere."""
+    kept = {name: value for name, value in os.environ.items() if not name.startswith("CHMON_")}
+    return {**kept, "LC_ALL": "C.UTF-8", "COLUMNS": "80"}
+
+
+def make_scratch(folder, into):
+    for item in folder.iterdir() if folder else []:
+        if item.name not in OWN_FILES:
+            (shutil.copytree if item.is_dir() else shutil.copy2)(item, into / item.name)
+    (into / "examples").symlink_to(ROOT / "examples")
+    (into / "shared").symlink_to(ROOT / "tests" / "golden" / "shared")
+
+
+def run_line(program, line, scratch, error):
+    """Runs one command line; `error` is where its standard error goes. Returns status, output, error."""
+    words = shlex.split(line)
+    source = os.devnull
+    if len(words) > 1 and words[-2] == "<":
+        source = scratch / words[-1]
+        words = words[:-2]
+    with open(source, "rb") as stream:
+        done = subprocess.run([program, *words], cwd=scratch, env=environment(), stdin=stream, stdout=subprocess.PIPE,
+                              stderr=error, timeout=TIME_LIMIT, check=False)
+    decode = lambda data: (data or b"").decode("utf-8", "backslashreplace")
+    return done.returncode, decode(done.stdout), decode(done.stderr)
+
+
+def read(path):
+    return path.read_text() if path.exists() else ""
+
+
+def lines_match(wanted, got):
+    """Line by line; a wanted line that begins with ~ is a regular expression."""
+    wanted, got = wanted.splitlines(), got.splitlines()
+    return len(wanted) == len(got) and all(
+        re.fullmatch(want[1:], have) if want.startswith("~") else want == have for want, have in zip(wanted, got))
+
+
+def difference(what, wanted, got):
+    return "".join(difflib.unified_diff(wanted.splitlines(True), got.splitlines(True), f"{what} wanted", f"{what} got"))
+
+
+def run_case(program, folder, write):
+    """Returns what is wrong, empty when nothing is."""
+    commands = [line for line in read(folder / "command").splitlines() if line.strip() and not line.startswith("#")]
+    wanted_status = [int(word) for word in read(folder / "status").split()] or [0] * len(commands)
+    output, error, status = "", "", []
+    with tempfile.TemporaryDirectory() as name:
+        make_scratch(folder, pathlib.Path(name))
+        for line in commands:
+            code, printed, complaint = run_line(program, line, pathlib.Path(name), subprocess.PIPE)
+            output, error, status = output + printed, error + complaint, status + [code]
+    faults = []
+    if read(folder / "expected") != output:
+        faults.append(difference("output", read(folder / "expected"), output))
+    if not lines_match(read(folder / "expected-error"), error):
+        faults.append(difference("error", read(folder / "expected-error"), error))
+    if status != wanted_status:
+        faults.append(f"status wanted {wanted_status}, got {status}\n")
+    if faults and write:
+        for file, text in (("expected", output), ("expected-error", error), ("status", " ".join(map(str, status)) + "\n")):
+            empty = not any(status) if file == "status" else not text
+            (folder / file).unlink(missing_ok=True) if empty else (folder / file).write_text(text)
+    return "".join(faults)
+
+
+def document_blocks(path):
+    """The document's worked examples: pairs of line number and lines. A heading gives an empty block: files go."""
+    block, start = None, 0
+    for number, line in enumerate(path.read_text().splitlines(), 1):
+        if block is not None and line.startswith("```"):
+            if block and block[0].startswith("$ "):
+                yield start, block
+            block = None
+        elif block is not None:
+            block.append(line)
+        elif line.startswith("```"):
+            block, start = [], number + 1
+        elif re.match(r"##? ", line):
+            yield number, []
+
+
+def block_matches(wanted, got):
+    """Whether lines match, where a wanted line of three dots stands for any number of them."""
+    pattern = "".join(r"(?:.*\n)*?" if line == "..." else re.escape(line + "\n") for line in wanted)
+    return re.fullmatch(pattern, "".join(line + "\n" for line in got)) is not None
+
+
+def run_block(program, block, scratch):
+    """Yields (command line, what is wrong) of each command of the block."""
+    starts = [i for i, line in enumerate(block) if line.startswith("$ ")] + [len(block)]
+    for start, end in zip(starts, starts[1:]):
+        line, wanted = block[start][2:], block[start + 1 : end]
+        words = line.split()
+        if words[0] == "cat" and len(words) == 2 and not (scratch / words[1]).exists():
+            (scratch / words[1]).write_text("".join(text + "\n" for text in wanted))
+            continue
+        if words[0] == "cat" and len(words) == 2:
+            got = (scratch / words[1]).read_text()
+        elif words[0] == "chmon":
+            _, got, _ = run_line(program, line[len("chmon") :], scratch, subprocess.STDOUT)
+        else:
+            yield line, "neither chmon nor cat FILE\n"
+            continue
+        matches = block_matches(wanted, got.splitlines())
+        yield line, "" if matches else difference("output", "".join(text + "\n" for text in wanted), got)
+
+
+def run_document(program, path):
+    """Yields (place, what is wrong) of each worked example."""
+    scratch = None
+    for number, block in document_blocks(path):
+        if not block and scratch:
+            scratch.cleanup()
+        if not block or scratch is None:
+            scratch = tempfile.TemporaryDirectory()
+            make_scratch(None, pathlib.Path(scratch.name))
+        for line, fault in run_block(program, block, pathlib.Path(scratch.name)) if block else []:
+            yield f"{path}:{number}: {line}", fault
+    if scratch:
+        scratch.cleanup()
+
+
+def results(program, places, write):
+    for place in places:
+        if place.suffix == ".md":
+            yield from run_document(program, place)
+        else:
+            for command in sorted(place.rglob("command")):
+                yield str(command.parent), run_case(program, command.parent, write)
+
+
+def main():
+    arguments = argparse.ArgumentParser(usage=__doc__.splitlines()[2][len("usage: ") :])
+    arguments.add_argument("--chmon", required=True)
+    arguments.add_argument("--floor", type=int, default=1, help="fail when fewer cases ran")
+    arguments.add_argument("--write", action="store_true")
+    arguments.add_argument("places", type=pathlib.Path, nargs="+")
+    given = arguments.parse_args()
+    program = str(pathlib.Path(given.chmon).resolve())
+    ran = failed = 0
+    for place, fault in results(program, given.places, given.write):
+        ran += 1
+        if fault:
+            failed += 1
+            print(f"FAILED {place}\n{fault}")
+    print(f"cases={ran} failed={failed} floor={given.floor}")
+    if failed:
+        print("repeat with: tests/golden/run.py --chmon", given.chmon, "CASE-FOLDER|DOCUMENT")
+    return 1 if failed or ran < given.floor else 0
+
+
+sys.exit(main())
