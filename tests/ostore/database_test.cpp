@@ -201,7 +201,7 @@ TEST(database, lost_pages_are_answered)
     whole << std::ifstream(file, std::ios::binary).rdbuf();
     constexpr std::size_t page = 4096;
     std::map<std::string, int> outcomes;
-    const auto read_damaged = [&](std::string bytes) {
+    const auto read_damaged = [&](const std::string &bytes) {
         std::ofstream(file, std::ios::binary) << bytes;
         ++outcomes[fault_of([&] {
             const auto store = database::open(file, {"further"});
