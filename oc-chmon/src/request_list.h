@@ -25,6 +25,7 @@
 #include "request_state.h"
 #include "walk.h"
 
+#include <algorithm>
 #include <cstdint>
 
 /* What a list walker learns about its entry, kept over both passes of a replace. */
@@ -54,12 +55,7 @@ inline subtree entry_children(const dtf_datatree &entry)
 
 template <typename List> bool is_key_tag(const dtf_datatree &child)
 {
-    for (const char *key : List::keys) {
-        if (tag_is(child, key)) {
-            return true;
-        }
-    }
-    return false;
+    return std::ranges::any_of(List::keys, [&child](const char *key) { return tag_is(child, key); });
 }
 
 /* For an entry without children: reports it, and tells whether the request cannot do without its keys. */

@@ -240,7 +240,7 @@ const char *replace_str(const char *text, const char *search, const char *replac
     /* The rest first, so that the text may be an earlier result. */
     std::memmove(result + before + replacement_length, rest, rest_length + 1);
     std::memmove(result, text, before);
-    std::memcpy(result + before, replacement, replacement_length);
+    std::memmove(result + before, replacement, replacement_length);
     return result;
 }
 
