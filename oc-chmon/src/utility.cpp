@@ -3,6 +3,7 @@
 #include "oc_chmon.h"
 #include "text_size.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -240,7 +241,7 @@ const char *replace_str(const char *text, const char *search, const char *replac
     /* The rest first, so that the text may be an earlier result. */
     std::memmove(result + before + replacement_length, rest, rest_length + 1);
     std::memmove(result, text, before);
-    std::memmove(result + before, replacement, replacement_length);
+    std::copy_n(replacement, replacement_length, result + before);
     return result;
 }
 
