@@ -1,8 +1,8 @@
 #include "commands.h"
 #include "format_option.h"
 
+#include "device/temporary_inventory.h"
 #include "service/native_mapping.h"
-#include "service/temporary_inventory.h"
 
 #include <iostream>
 #include <memory>
@@ -21,7 +21,7 @@ void map(const map_arguments &arguments, const global_options &globals)
     service::map_options options = arguments.options;
     options.walks = globals.walks();
     const service::plugin mapper;
-    const service::temporary_inventory inventory{std::filesystem::path(arguments.inventory)};
+    const device::temporary_inventory inventory{std::filesystem::path(arguments.inventory)};
     std::cout << service::map_document(mapper, options);
 }
 

@@ -1,7 +1,7 @@
 #include "service/request_plan.h"
 
+#include "device/temporary_inventory.h"
 #include "service/plan_text.h"
-#include "service/temporary_inventory.h"
 #include "service/tree_access.h"
 #include "service/walk.h"
 #include "service/wrong_model.h"
@@ -79,7 +79,7 @@ std::string plan_document(const plugin &mapper, const plan_options &options)
     const dtf_datatree document = framework::parse_document(text, memory, reading);
     const dtf_datatree &request = request_in(document, text.name);
 
-    std::optional<temporary_inventory> inventory;
+    std::optional<device::temporary_inventory> inventory;
     if (options.inventory)
         inventory.emplace(*options.inventory);
     else if (!names_monitor(request))

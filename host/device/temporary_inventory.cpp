@@ -1,18 +1,18 @@
-#include "service/temporary_inventory.h"
+#include "device/temporary_inventory.h"
 
 #include "device/document.h"
 #include "device/inventory.h"
 #include "device/inventory_file.h"
 #include "ostore/transaction.h"
 
-namespace service {
+namespace device {
 
 namespace {
 
 std::vector<std::string> monitors_in(const std::filesystem::path &file)
 {
-    const device::document inventory = device::read_document(file);
-    return device::read_inventory(inventory.text, inventory.name);
+    const document inventory = read_document(file);
+    return read_inventory(inventory.text, inventory.name);
 }
 
 } // namespace
@@ -22,8 +22,8 @@ temporary_inventory::temporary_inventory(const std::filesystem::path &file) : te
 temporary_inventory::temporary_inventory(const std::vector<std::string> &monitors)
 {
     ostore::write_transaction change(store_);
-    device::replace_monitors(change, monitors);
+    replace_monitors(change, monitors);
     change.commit();
 }
 
-} // namespace service
+} // namespace device

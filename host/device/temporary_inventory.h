@@ -1,6 +1,6 @@
 /* An inventory for commands that have no device: it answers the plug-in while it lives. */
-#ifndef SERVICE_TEMPORARY_INVENTORY_H
-#define SERVICE_TEMPORARY_INVENTORY_H
+#ifndef DEVICE_TEMPORARY_INVENTORY_H
+#define DEVICE_TEMPORARY_INVENTORY_H
 
 #include "ostore/database.h"
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace service {
+namespace device {
 
 class temporary_inventory
 {
@@ -25,6 +25,6 @@ class temporary_inventory
     ostore::serving served_ = store_.serve();
 };
 
-} // namespace service
+} // namespace device
 
 #endif
