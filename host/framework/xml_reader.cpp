@@ -6,7 +6,6 @@
 #include "xml_text.h"
 
 #include <algorithm>
-#include <cstring>
 #include <pugixml.hpp>
 #include <utility>
 
@@ -48,8 +47,8 @@ class xml_reader
 
     /* What an element's attributes say beside its namespaces. */
     struct attributes {
-        int operation = -1;                  /* none */
-        const char *filter_type = "subtree"; /* of a wrapper */
+        int operation = -1;                       /* none */
+        std::string_view filter_type = "subtree"; /* of a wrapper */
     };
 
     pugi::xml_node parse();
@@ -84,8 +83,7 @@ class xml_reader
 
 dtf_datatree xml_reader::read()
 {
-    check_xml_text(text_);
-    lines_ = std::ranges::count(text_.view(), '\n');
+    lines_ = check_xml_text(text_);
     read_root(parse());
     dtf_datatree root = builder_.finish();
     if (use_ == document_use::edit)
@@ -141,7 +139,7 @@ void xml_reader::read_root(pugi::xml_node root)
 void xml_reader::read_wrapped(pugi::xml_node wrapper)
 {
     const attributes given = read_attributes(wrapper, true);
-    if (std::strcmp(given.filter_type, "subtree") != 0)
+    if (given.filter_type != "subtree")
         builder_.fail("filters of type '" + std::string(given.filter_type) + "' are not supported, only subtree");
     if (*wrapper.value() != '\0')
         builder_.fail("text in <" + std::string(wrapper.name()) + ">");
@@ -286,7 +284,7 @@ xml_reader::attributes xml_reader::read_attributes(pugi::xml_node element, bool 
         if (is_netconf && local == "operation" && !is_wrapper && given.operation < 0)
             given.operation = read_operation(element.name(), decoded(writable(attribute.value()), element.name()));
         else if (is_wrapper && local == "type" && (is_netconf || colon == std::string_view::npos))
-            given.filter_type = decoded(writable(attribute.value()), element.name()).data();
+            given.filter_type = decoded(writable(attribute.value()), element.name());
         else
             builder_.fail_child(element.name(), "unexpected attribute '" + std::string(name) + "'");
     }
@@ -328,6 +326,8 @@ std::string_view xml_reader::text_of(pugi::xml_node element, const name_entry &n
 
 std::string_view xml_reader::decoded(char *text, const char *tag) const
 {
+    if (*text == '\0') /* the parser's empty text is a constant */
+        return {};
     try {
         return decode_xml(text);
     } catch (const xml_text_error &error) {

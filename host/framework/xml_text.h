@@ -4,6 +4,7 @@
 
 #include "document.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -11,9 +12,9 @@ namespace framework {
 
 /*
  * Refuses what is no XML text in UTF-8: another encoding (declared or seen), control characters. Everything behind it
- * may then rely on bytes.
+ * may then rely on bytes. Returns the number of line ends.
  */
-void check_xml_text(const document_text &text);
+std::ptrdiff_t check_xml_text(const document_text &text);
 
 /* How decode_xml() fails: the text of the message. */
 struct xml_text_error {
