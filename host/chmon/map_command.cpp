@@ -31,8 +31,8 @@ void add_map(CLI::App &app, global_options &globals)
 {
     CLI::App *const command = app.add_subcommand("map", "Map a native document to an OpenConfig document");
     const auto arguments = std::make_shared<map_arguments>();
-    command->add_option("document", arguments->options.document, "Native document, XML or JSON; - is standard input")
-        ->type_name("NATIVE-FILE")
+    command->add_option("NATIVE-FILE", arguments->options.document, "Native document, XML or JSON; - is standard input")
+        ->option_text("REQUIRED")
         ->required();
     command->add_option("--inventory", arguments->inventory, "The monitors that the device has")
         ->type_name("FILE")

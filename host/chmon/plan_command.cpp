@@ -23,8 +23,8 @@ void add_plan(CLI::App &app, global_options &globals)
 {
     CLI::App *const command = app.add_subcommand("plan", "Show the native request that an OpenConfig request becomes");
     const auto options = std::make_shared<service::plan_options>();
-    command->add_option("request", options->document, "OpenConfig request, XML or JSON; - is standard input")
-        ->type_name("REQUEST-FILE")
+    command->add_option("REQUEST-FILE", options->document, "OpenConfig request, XML or JSON; - is standard input")
+        ->option_text("REQUIRED")
         ->required();
     command
         ->add_option_function<std::string>(

@@ -82,7 +82,7 @@ std::string plan_document(const plugin &mapper, const plan_options &options)
     std::optional<device::temporary_inventory> inventory;
     if (options.inventory)
         inventory.emplace(*options.inventory);
-    else if (!names_monitor(request))
+    else if (is_read_kind(options.kind) && !names_monitor(request))
         note(options.walks, "the request names no monitor, and without --inventory no controller is known to have one");
     const request_plan plan(mapper, request, options.kind, memory, options.walks);
     if (children_of(plan.native()).empty())
