@@ -15,10 +15,7 @@ constexpr std::size_t alignment = alignof(std::max_align_t);
 
 } // namespace
 
-arena::arena(arena &&other) noexcept
-{
-    *this = std::move(other);
-}
+arena::arena(arena &&other) noexcept { *this = std::move(other); }
 
 arena &arena::operator=(arena &&other) noexcept
 {
@@ -50,10 +47,7 @@ const char *arena::copy(std::string_view text)
     return reinterpret_cast<const char *>(bytes);
 }
 
-void arena::keep(std::shared_ptr<const void> buffer)
-{
-    kept_.push_back(std::move(buffer));
-}
+void arena::keep(std::shared_ptr<const void> buffer) { kept_.push_back(std::move(buffer)); }
 
 std::byte *arena::take(std::size_t size)
 {

@@ -14,7 +14,8 @@
 
 namespace framework {
 
-class arena {
+class arena
+{
   public:
     arena() = default;
     arena(const arena &) = delete;

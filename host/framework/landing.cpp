@@ -1,0 +1,291 @@
+#include "landing.h"
+
+#include "tree.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace framework {
+
+namespace {
+
+/* `node_kind` of a list entry, and the bit that says it holds. */
+constexpr std::uint32_t list_entry_kind = 4;
+constexpr std::uint8_t kind_is_set = 0x04;
+
+bool is_list_entry(const dtf_datatree &node)
+{
+    return (node.kind_flags & kind_is_set) != 0 && node.node_kind == list_entry_kind;
+}
+
+dtf_datatree *descend(dtf_datatree *node, const std::uint32_t *steps, std::size_t depth)
+{
+    for (std::size_t i = 0; i < depth; ++i)
+        node = &node->children[steps[i]];
+    return node;
+}
+
+/* Takes the last child away again. */
+void drop_last_child(dtf_datatree &parent)
+{
+    if (--parent.child_count == 0)
+        parent.flags &= ~DTF_FLAG_HAS_SUBTREE;
+}
+
+/* The entry has a value for each key of its list. */
+bool has_all_keys(const dtf_datatree &entry, const list_schema &list)
+{
+    return std::all_of(list.keys.begin(), list.keys.end(), [&entry](std::string_view key) {
+        const dtf_datatree *const leaf = find_child(entry, key);
+        return leaf != nullptr && (leaf->flags & DTF_FLAG_HAS_VALUE) != 0;
+    });
+}
+
+void give_value(dtf_datatree &node, const char *value, const addition &what)
+{
+    if (value == nullptr)
+        return;
+    node.value = value;
+    if (*value != '\0' || !what.empty_is_valueless)
+        node.flags |= DTF_FLAG_HAS_VALUE;
+    else
+        node.flags &= ~DTF_FLAG_HAS_VALUE;
+}
+
+/* An added node does what its source asks for. */
+void give_operation(dtf_datatree &node, const addition &what)
+{
+    if (what.source == nullptr)
+        return;
+    node.operation = what.source->operation;
+    node.flags = (node.flags & ~DTF_FLAG_OP_SET) | (what.source->flags & DTF_FLAG_OP_SET);
+    node.source_index = what.source_index;
+}
+
+/* A list entry does what the request asks for the entry that it stands for, unless its own source said it already. */
+void give_entry_operation(dtf_datatree &entry, std::uint32_t operation)
+{
+    if ((entry.flags & DTF_FLAG_OP_SET) != 0)
+        return;
+    entry.operation = operation;
+    entry.flags |= DTF_FLAG_OP_SET;
+}
+
+} // namespace
+
+landing::landing(dtf_datatree &out, arena &memory)
+    : out_(&out), memory_(&memory), foreign_tags_(out.child_count != 0), frames_(1)
+{
+}
+
+landed landing::add(const parsed_path &path, const addition &what)
+{
+    const std::size_t length = path.segments.size();
+    const bool names_entry = what.new_list_entry || path.closing_slash;
+    const char *const value = what.value == nullptr || names_entry ? nullptr : memory_->copy(what.value);
+    position here = start_of(path, what.new_list_entry ? length - 1 : length);
+    while (here.depth < length && path.segments[here.depth].list == nullptr &&
+           enter_existing(here, path.segments[here.depth].tag)) {
+    }
+    landed result;
+    result.created = here.depth < length;
+    if (result.created)
+        create_rest(here, path, what);
+    result.node = here.node;
+    /* In a read the first key names the entry: another one is a content match, which the filter of the reply is for. */
+    const bool keeps_key = what.empty_is_valueless && !result.created && path.segments.back().is_key &&
+                           (here.node->flags & DTF_FLAG_HAS_VALUE) != 0;
+    give_value(*here.node, keeps_key ? nullptr : value, what);
+    give_operation(*here.node, what);
+    if (result.created && what.entry_operation != 0 && path.segments.back().is_key)
+        give_entry_operation(*descend(out_, here.steps.data(), length - 1), what.entry_operation);
+    if (result.created && path.segments.back().is_key && (here.node->flags & DTF_FLAG_HAS_VALUE) != 0)
+        result.keyed_entry = take_awaiting(*path.segments[length - 2].list);
+    return result;
+}
+
+/*
+ * The entry to start from: the deepest on the path among those of the innermost frame that has any. Entries of frames
+ * further out may belong to another entry of a list above. At most the first `limit` segments are passed that way.
+ */
+landing::position landing::start_of(const parsed_path &path, std::size_t limit)
+{
+    position start;
+    start.node = out_;
+    for (std::size_t i = open_; i-- > 0 && start.depth == 0;) {
+        entry_place *deepest = nullptr;
+        for (entry_place &place : frames_[i].places) {
+            const bool on_path = place.depth <= limit && path.segments[place.depth - 1].list == place.list;
+            if (on_path && (deepest == nullptr || place.depth > deepest->depth))
+                deepest = &place;
+        }
+        if (deepest != nullptr) {
+            start.node = node_of(*deepest);
+            start.steps = deepest->steps;
+            start.depth = deepest->depth;
+        }
+    }
+    return start;
+}
+
+bool landing::enter_existing(position &here, const char *tag) const
+{
+    if ((here.node->flags & DTF_FLAG_HAS_SUBTREE) == 0)
+        return false;
+    dtf_datatree *const children = here.node->children;
+    for (std::uint32_t i = 0; i < here.node->child_count; ++i) {
+        const char *const other = children[i].tag;
+        if (other != tag && !(foreign_tags_ && other != nullptr && std::strcmp(other, tag) == 0))
+            continue;
+        here.steps[here.depth++] = i;
+        here.node = &children[i];
+        return true;
+    }
+    return false;
+}
+
+void landing::create_rest(position &here, const parsed_path &path, const addition &what)
+{
+    std::vector<entry_place> &places = frames_[open_ - 1].places;
+    places.reserve(places.size() + path.list_count);
+    const std::size_t first = here.depth;
+    const std::size_t length = path.segments.size();
+    try {
+        while (here.depth < length)
+            create_child(here, path.segments[here.depth], what.ns);
+    } catch (...) {
+        roll_back(here, first);
+        throw;
+    }
+    for (std::size_t depth = first; depth < length; ++depth) {
+        if (const list_schema *const list = path.segments[depth].list)
+            remember(here, depth + 1, *list, what.new_list_entry && depth + 1 == length);
+    }
+}
+
+void landing::create_child(position &here, const path_segment &segment, const char *ns)
+{
+    dtf_datatree &parent = *here.node;
+    const dtf_datatree *const before = parent.child_count == 0 ? nullptr : parent.children;
+    dtf_datatree &child = add_child(*memory_, parent);
+    if (before != nullptr && before != parent.children)
+        ++moves_;
+    child.tag = segment.tag;
+    child.ns = ns;
+    if (segment.list != nullptr) {
+        child.node_kind = list_entry_kind;
+        child.kind_flags = kind_is_set;
+    }
+    if (segment.is_key) {
+        child.is_key = 1;
+        child.flags |= DTF_FLAG_KEY;
+    }
+    here.steps[here.depth++] = parent.child_count - 1;
+    here.node = &child;
+}
+
+/* Takes away what was created from `depth` on. */
+void landing::roll_back(position &here, std::size_t depth)
+{
+    if (here.depth > depth)
+        drop_last_child(*descend(out_, here.steps.data(), depth));
+}
+
+/* Makes the entry at the first `depth` steps the innermost frame's for `list`; what it had of it and below goes. */
+void landing::remember(const position &here, std::size_t depth, const list_schema &list, bool awaits_key)
+{
+    std::vector<entry_place> &places = frames_[open_ - 1].places;
+    std::erase_if(places, [&list](const entry_place &place) {
+        return place.list == &list ||
+               (place.list->path.starts_with(list.path) && place.list->path[list.path.size()] == '/');
+    });
+    entry_place &place = places.emplace_back();
+    place.list = &list;
+    place.steps = here.steps;
+    place.depth = static_cast<std::uint8_t>(depth);
+    place.awaits_key = awaits_key;
+    if (depth == here.depth) {
+        place.node = here.node;
+        place.moves = moves_;
+    }
+}
+
+/* The innermost frame's entry of `list` if its key was awaited; it is not any longer. */
+const entry_place *landing::take_awaiting(const list_schema &list)
+{
+    for (entry_place &place : frames_[open_ - 1].places) {
+        if (place.list == &list && std::exchange(place.awaits_key, false))
+            return &place;
+    }
+    return nullptr;
+}
+
+dtf_datatree *landing::node_of(entry_place &place)
+{
+    if (place.node == nullptr || place.moves != moves_) {
+        place.node = descend(out_, place.steps.data(), place.depth);
+        place.moves = moves_;
+    }
+    return place.node;
+}
+
+bool landing::open_frame(const parsed_path &schema, std::uint8_t hierarchy_len, bool withdraw_keyless)
+{
+    while (open_ > 1 && !schema.is_below(*frames_[open_ - 1].schema))
+        close_innermost(withdraw_keyless);
+    if (open_ > max_frames)
+        return false;
+    if (open_ == frames_.size())
+        frames_.emplace_back();
+    frame &opened = frames_[open_++];
+    opened.schema = &schema;
+    opened.hierarchy_len = hierarchy_len;
+    return true;
+}
+
+void landing::close_frames_below(std::uint8_t hierarchy_len, bool withdraw_keyless)
+{
+    while (open_ > 1 && frames_[open_ - 1].hierarchy_len > hierarchy_len)
+        close_innermost(withdraw_keyless);
+}
+
+void landing::make_current(const entry_place &place)
+{
+    std::vector<entry_place> &places = frames_[open_ - 1].places;
+    const entry_place copy = place;
+    places.clear();
+    places.push_back(copy);
+    places.back().awaits_key = false;
+}
+
+void landing::close_innermost(bool withdraw_keyless)
+{
+    frame &closing = frames_[--open_];
+    for (entry_place &place : closing.places) {
+        if (!withdraw_keyless || !place.list->needs_keys || has_all_keys(*node_of(place), *place.list))
+            continue;
+        withdraw(place);
+        /* What else the frame remembers of this model lies below. */
+        break;
+    }
+    closing.places.clear();
+}
+
+/*
+ * Takes the entry away with all below, and the containers above that it leaves empty. Entries are added at the end of
+ * their array, so this is one step per level.
+ */
+void landing::withdraw(const entry_place &place)
+{
+    for (std::size_t depth = place.depth; depth-- > 0;) {
+        dtf_datatree &parent = *descend(out_, place.steps.data(), depth);
+        if (place.steps[depth] + 1 != parent.child_count)
+            return;
+        drop_last_child(parent);
+        if (parent.child_count != 0 || is_list_entry(parent))
+            return;
+    }
+}
+
+} // namespace framework

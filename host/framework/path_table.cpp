@@ -1,0 +1,116 @@
+#include "path_table.h"
+
+#include "schema_facts.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace framework {
+
+bool list_schema::is_key(std::string_view tag) const { return std::find(keys.begin(), keys.end(), tag) != keys.end(); }
+
+bool parsed_path::is_below(const parsed_path &ancestor) const
+{
+    const std::size_t length = ancestor.text.size();
+    return text.size() > length && text[length] == '/' && text.compare(0, length, ancestor.text) == 0;
+}
+
+const parsed_path *path_table::find(const char *path)
+{
+    const parsed_path *&slot = by_address_[slot_of(path)];
+    if (slot != nullptr && std::strcmp(slot->text.c_str(), path) == 0)
+        return slot;
+    const std::string_view text(path);
+    const auto known = by_text_.find(text);
+    const parsed_path *const found = known != by_text_.end() ? known->second.get() : parse(text);
+    if (found != nullptr)
+        slot = found;
+    return found;
+}
+
+void path_table::mark_list(const parsed_path &path)
+{
+    if (path.segments.back().list != nullptr)
+        return;
+    const std::string list_path(path.text, 0, path.text.size() - (path.closing_slash ? 1 : 0));
+    lists_.emplace(list_path, std::make_unique<list_schema>(list_schema{list_path, {}, false}));
+    for (auto &[text, parsed] : by_text_)
+        bind_lists(*parsed);
+}
+
+/* Literals lie close together and differ in their low bits. */
+std::size_t path_table::slot_of(const char *path)
+{
+    const auto address = reinterpret_cast<std::uintptr_t>(path);
+    return (address ^ (address >> 7)) % std::tuple_size_v<decltype(by_address_)>;
+}
+
+const parsed_path *path_table::parse(std::string_view text)
+{
+    auto path = std::make_unique<parsed_path>();
+    path->text = text;
+    path->relative = !text.starts_with('/');
+    std::string_view rest = path->relative ? text : text.substr(1);
+    path->closing_slash = !path->relative && rest.ends_with('/');
+    if (path->closing_slash)
+        rest.remove_suffix(1);
+    for (bool more = true; more;) {
+        const std::size_t end = rest.find('/');
+        more = end != std::string_view::npos;
+        const std::string_view tag = rest.substr(0, end);
+        if (tag.empty() || path->segments.size() == max_segments)
+            return nullptr;
+        path->segments.push_back({intern(tag), nullptr, false});
+        if (more)
+            rest.remove_prefix(end + 1);
+    }
+    bind_lists(*path);
+    const std::string_view key = path->text;
+    return by_text_.emplace(key, std::move(path)).first->second.get();
+}
+
+const char *path_table::intern(std::string_view tag)
+{
+    if (const auto known = tags_.find(tag); known != tags_.end())
+        return known->second;
+    const char *const text = memory_->copy(tag);
+    tags_.emplace(std::string_view(text, tag.size()), text);
+    return text;
+}
+
+/* The list at a schema path, from the facts when it is met first; null when the path is no list. */
+const list_schema *path_table::list_at(const std::string &path)
+{
+    if (const auto known = lists_.find(path); known != lists_.end())
+        return known->second.get();
+    const schema_node *const facts = find_schema_node(path);
+    if (facts == nullptr || facts->kind != schema_kind::list)
+        return nullptr;
+    auto list = std::make_unique<list_schema>();
+    list->path = path;
+    for (const schema_node &child : facts->children) {
+        if (child.is_key)
+            list->keys.push_back(child.tag);
+    }
+    /* OpenConfig's style: what can be configured has a `config` container. */
+    list->needs_keys = !list->keys.empty() && facts->child("config") != nullptr;
+    return lists_.emplace(path, std::move(list)).first->second.get();
+}
+
+void path_table::bind_lists(parsed_path &path)
+{
+    path.list_count = 0;
+    if (path.relative)
+        return;
+    std::string prefix;
+    const list_schema *above = nullptr;
+    for (path_segment &segment : path.segments) {
+        prefix.append("/").append(segment.tag);
+        segment.list = list_at(prefix);
+        segment.is_key = above != nullptr && above->is_key(segment.tag);
+        above = segment.list;
+        path.list_count += segment.list != nullptr ? 1U : 0U;
+    }
+}
+
+} // namespace framework

@@ -1,0 +1,87 @@
+/*
+ * Schema paths, parsed once per walk. A plug-in names the same few dozen paths, literals of its own, for every leaf it
+ * adds; the table knows a path by its address and proves it by its content.
+ */
+#ifndef FRAMEWORK_PATH_TABLE_H
+#define FRAMEWORK_PATH_TABLE_H
+
+#include "arena.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace framework {
+
+/* A list of one of the models, as the landing of added nodes sees it. */
+struct list_schema {
+    std::string path;
+    std::vector<std::string_view> keys;
+    /* The list describes configuration, so that an entry without its keys is none (RFC 7950, 7.8.2). */
+    bool needs_keys = false;
+
+    bool is_key(std::string_view tag) const;
+};
+
+struct path_segment {
+    /* In the memory of the output tree, one address per text: within one tree, equal tags are equal pointers. */
+    const char *tag;
+    /* The list whose entry this segment names; null for a container or a leaf. */
+    const list_schema *list;
+    /* The segment is a key leaf of the list before it. */
+    bool is_key;
+};
+
+struct parsed_path {
+    std::string text;
+    std::vector<path_segment> segments;
+    /* One tag without a leading "/": a child of the node it is added to. */
+    bool relative = false;
+    /* A closing "/": the path names the list entry itself. */
+    bool closing_slash = false;
+    /* Segments that are list entries. */
+    std::uint32_t list_count = 0;
+
+    /* True when the list at `ancestor` is above the node that this path names. */
+    bool is_below(const parsed_path &ancestor) const;
+};
+
+class path_table
+{
+  public:
+    /* Tags are kept in `memory`, where the output tree that uses them lives. */
+    explicit path_table(arena &memory) : memory_(&memory) {}
+
+    /*
+     * The parsed form of `path`, which stays for the life of the table; null for a path that names nothing (empty, an
+     * empty segment) or is deeper than `max_segments`. Costs a comparison of texts when the address is known.
+     */
+    const parsed_path *find(const char *path);
+
+    /* Makes the last segment of `path` a list in all parsed paths; for lists that the schema facts do not know. */
+    void mark_list(const parsed_path &path);
+
+    static constexpr std::size_t max_segments = 16;
+
+  private:
+    const parsed_path *parse(std::string_view text);
+    const char *intern(std::string_view tag);
+    const list_schema *list_at(const std::string &path);
+    void bind_lists(parsed_path &path);
+
+    static std::size_t slot_of(const char *path);
+
+    arena *memory_;
+    std::array<const parsed_path *, 128> by_address_{};
+    std::unordered_map<std::string_view, std::unique_ptr<parsed_path>> by_text_;
+    std::unordered_map<std::string, std::unique_ptr<list_schema>> lists_;
+    std::unordered_map<std::string_view, const char *> tags_;
+};
+
+} // namespace framework
+
+#endif

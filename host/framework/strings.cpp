@@ -1,0 +1,77 @@
+/* Bounded text operations and named allocations: the C operations that need no context. */
+#include "dtf.h"
+#include "named_allocations.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+
+namespace framework {
+
+namespace {
+
+std::atomic<std::size_t> live_allocations{0};
+
+/*
+ * Writes at most `limit` characters of `source` to a destination of `size` bytes. Nonzero when some of them did not
+ * fit. Source and destination may overlap. Reads the source no further than `limit` and its terminator ask for.
+ */
+int copy_bounded(char *destination, std::size_t size, const char *source, std::size_t limit)
+{
+    if (destination == nullptr || size == 0)
+        return 1;
+    const std::size_t wanted = source == nullptr ? 0 : strnlen(source, std::min(limit, size));
+    const std::size_t copied = std::min(wanted, size - 1);
+    if (copied != 0)
+        std::memmove(destination, source, copied);
+    destination[copied] = '\0';
+    return copied < wanted ? 1 : 0;
+}
+
+} // namespace
+
+std::size_t live_named_allocations() { return live_allocations; }
+
+} // namespace framework
+
+extern "C" {
+
+/* There is no context to report through, so the caller's name goes unused: the result tells the caller all. */
+int dtf_strcpy_s(const char *, char *destination, size_t size, const char *source)
+{
+    return framework::copy_bounded(destination, size, source, SIZE_MAX);
+}
+
+int dtf_strncpy_s(const char *, char *destination, size_t size, const char *source, size_t count)
+{
+    return framework::copy_bounded(destination, size, source, count);
+}
+
+int dtf_strcat_s(const char *, char *destination, size_t size, const char *source)
+{
+    if (destination == nullptr || size == 0)
+        return 1;
+    /* A destination without a terminator within its size counts as full, and gets one. */
+    const size_t length = std::min(strnlen(destination, size), size - 1);
+    return framework::copy_bounded(destination + length, size - length, source, SIZE_MAX);
+}
+
+char *dtf_strdup(const char *text, const char *)
+{
+    if (text == nullptr)
+        return nullptr;
+    char *const copy = strdup(text);
+    if (copy != nullptr)
+        ++framework::live_allocations;
+    return copy;
+}
+
+void plat_named_free(void *allocation)
+{
+    if (allocation == nullptr)
+        return;
+    --framework::live_allocations;
+    std::free(allocation);
+}
+}
