@@ -1,6 +1,7 @@
 #include "json_reader.h"
 
 #include "edit_operations.h"
+#include "json_text.h"
 #include "name_table.h"
 #include "schema_facts.h"
 #include "tree_builder.h"
@@ -18,35 +19,6 @@ namespace {
 namespace ondemand = simdjson::ondemand;
 
 constexpr std::string_view operation_annotation = "ietf-netconf:operation";
-
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
-std::size_t count_digits(std::string_view text)
-{
-    return static_cast<std::size_t>(std::ranges::find_if_not(text, is_digit) - text.begin());
-}
-
-/* The number grammar of RFC 8259, section 6. */
-bool is_json_number(std::string_view text)
-{
-    text.remove_prefix(text.starts_with('-') ? 1 : 0);
-    const std::size_t integer = count_digits(text);
-    if (integer == 0 || (integer > 1 && text.front() == '0'))
-        return false;
-    text.remove_prefix(integer);
-    if (text.starts_with('.')) {
-        const std::size_t fraction = count_digits(text.substr(1));
-        if (fraction == 0)
-            return false;
-        text.remove_prefix(1 + fraction);
-    }
-    if (text.starts_with('e') || text.starts_with('E')) {
-        text.remove_prefix(1);
-        text.remove_prefix(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
-        return !text.empty() && count_digits(text) == text.size();
-    }
-    return text.empty();
-}
 
 /* The end of a JSON string from its first character: its closing quote, which the parser has made sure of. */
 const char *string_end(const char *text, bool &has_escapes)
@@ -430,7 +402,7 @@ std::string_view json_reader::unescape(const char *text, std::size_t size)
 {
     auto *to = static_cast<std::uint8_t *>(memory_.allocate(size + simdjson::SIMDJSON_PADDING));
     auto *const start = to;
-    const ondemand::raw_json_string raw(reinterpret_cast<const std::uint8_t *>(text) - 1);
+    const ondemand::raw_json_string raw(reinterpret_cast<const std::uint8_t *>(text));
     if (parser_.unescape(raw, to).error() != simdjson::SUCCESS)
         fail_at(text_, offset_of(text), "malformed JSON: bad escape in a string");
     *to = 0;
