@@ -28,7 +28,6 @@ int run(int argc, char **argv)
     /* Set before the commands are added: they take it over, and so global options may follow the command. */
     app.fallthrough();
     app.require_subcommand(1);
-    app.footer("Each command has a --help of its own.");
     app.failure_message([](const CLI::App *, const CLI::Error &wrong) {
         return "chmon: " + std::string(wrong.what()) + "; see chmon --help\n";
     });
@@ -37,6 +36,7 @@ int run(int argc, char **argv)
     cli::add_global_options(app, globals);
     cli::add_map(app, globals);
     cli::add_plan(app, globals);
+    app.footer("Each command has a --help of its own.");
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &wrong) {

@@ -6,8 +6,9 @@
 #include "service/wrong_model.h"
 
 #include "device/schema.h"
+#include "framework/json_writer.h"
 #include "framework/schema_facts.h"
-#include "service/plan_text.h"
+#include "framework/xml_writer.h"
 
 #include "oc_chmon.h"
 
@@ -61,9 +62,40 @@ bool is_complete(const dtf_datatree &reply)
     });
 }
 
-device::format to_device(framework::document_format format)
+device::format to_device(document_format format)
 {
-    return format == framework::document_format::xml ? device::format::xml : device::format::json;
+    return format == document_format::xml ? device::format::xml : device::format::json;
+}
+
+std::string write_document(const dtf_datatree &tree, document_format format)
+{
+    std::string text;
+    if (format == document_format::xml)
+        framework::write_xml(text, tree);
+    else
+        framework::write_json(text, tree);
+    return text;
+}
+
+/* The judge knows no wrapper around several top elements, so these are judged one by one. */
+void judge_native(const dtf_datatree &native, const std::string &text, document_format format, const std::string &name)
+{
+    const device::schema judge;
+    const auto tops = children_of(native);
+    if (tops.size() == 1)
+        judge.validate(text, to_device(format), device::check::whole, name);
+    else {
+        for (const dtf_datatree &top : tops)
+            judge.validate(write_document(top, format), to_device(format), device::check::whole, name + ": " + top.tag);
+    }
+}
+
+void judge_reply(const dtf_datatree &reply, const std::string &text, document_format format)
+{
+    if (children_of(reply).empty())
+        return;
+    const auto how = is_complete(reply) ? device::check::whole : device::check::types;
+    device::schema().validate(text, to_device(format), how, "the result");
 }
 
 } // namespace
@@ -95,19 +127,16 @@ std::string map_document(const plugin &mapper, const map_options &options)
     const framework::document_options limits;
     const auto text = framework::read_document_text(options.document, limits.size_limit);
     const auto written_as = framework::format_of(text);
-    const auto wanted = options.format.value_or(written_as);
-    std::optional<device::schema> judge;
-    if (options.validate) {
-        judge.emplace();
-        judge->validate(std::string(text.view()), to_device(written_as), device::check::whole, text.name);
-    }
+    /* The reader works in place: what is to be judged later is copied first. */
+    const std::string original(options.validate ? text.view() : std::string_view());
     const dtf_datatree native = framework::parse_document(text, memory, limits);
+    if (options.validate)
+        judge_native(native, original, written_as, text.name);
     const dtf_datatree reply = map_native(mapper, native, text.name, memory, options.kind, options.walks);
-    std::string written = wanted == document_format::xml ? plan_xml(reply, nullptr) : plan_json(reply, nullptr);
-    if (judge) {
-        const auto how = is_complete(reply) ? device::check::whole : device::check::types;
-        judge->validate(written, to_device(wanted), how, "the result");
-    }
+    const auto wanted = options.format.value_or(written_as);
+    std::string written = write_document(reply, wanted);
+    if (options.validate)
+        judge_reply(reply, written, wanted);
     return written;
 }
 

@@ -11,7 +11,10 @@
 
 namespace service {
 
-/* Attributes nc:operation and chmon:source. One top element per native model, so there may be none or two. */
+/*
+ * Attributes nc:operation and chmon:source. There is one top element per native model; where that is not exactly one,
+ * they are in NETCONF's <data>.
+ */
 std::string plan_xml(const dtf_datatree &native, const framework::mapping *walk);
 
 /* One object, with the metadata ietf-netconf:operation and chmon:source (RFC 7952, 5.2). */

@@ -81,9 +81,17 @@ void element(std::string &to, const framework::mapping *walk, const dtf_datatree
 std::string plan_xml(const dtf_datatree &native, const framework::mapping *walk)
 {
     std::string text;
-    for (const dtf_datatree &top : children_of(native))
-        element(text, walk, top, nullptr, 0);
-    return text;
+    const auto tops = children_of(native);
+    if (tops.size() == 1) {
+        element(text, walk, tops.front(), nullptr, 0);
+        return text;
+    }
+    text.append("<data");
+    attribute(text, "xmlns", framework::netconf_namespace);
+    text.append(tops.empty() ? "/>\n" : ">\n");
+    for (const dtf_datatree &top : tops)
+        element(text, walk, top, nullptr, 1);
+    return text.append(tops.empty() ? "" : "</data>\n");
 }
 
 } // namespace service
