@@ -390,7 +390,10 @@ void _ringlog(void *trace_ring, uint64_t tag, const char *line)
     r.site->place = place;
 }
 
-void dtf_oc_error_path(dtf_map_ctx ctx) { at(ctx).note("error_path " + quoted(ctx->req_ctx->error_tag)); }
+void dtf_oc_error_path(dtf_map_ctx ctx)
+{
+    at(ctx).note("error_path " + quoted(ctx->req_ctx == nullptr ? nullptr : ctx->req_ctx->error_tag));
+}
 
 void dtf_map_add_to_node_hierarchy(dtf_map_ctx ctx, const struct dtf_datatree *node, uint32_t kind)
 {
