@@ -7,12 +7,10 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#if defined(__has_feature)
+#ifdef __has_feature
 #define RECORDING_ASAN __has_feature(address_sanitizer)
-#elif defined(__SANITIZE_ADDRESS__)
-#define RECORDING_ASAN 1
 #else
-#define RECORDING_ASAN 0
+#define RECORDING_ASAN __SANITIZE_ADDRESS__ + 0
 #endif
 #if RECORDING_ASAN
 #include <sanitizer/asan_interface.h>
@@ -30,12 +28,11 @@ bool library_found = false;
 
 DTF_PRINTF_LIKE(1, 0) std::string printed_list(const char *format, va_list arguments)
 {
-    va_list again;
-    va_copy(again, arguments);
-    std::string text(static_cast<std::size_t>(std::vsnprintf(nullptr, 0, format, arguments)), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, again);
-    va_end(again);
-    return text;
+    char *text = nullptr;
+    const int length = vasprintf(&text, format, arguments);
+    const std::string copy(text, static_cast<std::size_t>(length));
+    std::free(text);
+    return copy;
 }
 
 std::string quoted(const char *text) { return text == nullptr ? "null" : '"' + std::string(text) + '"'; }
@@ -83,6 +80,7 @@ host::host(const std::vector<std::string> &inventory)
         items["/oper/inventory/gl/entity/" + entity + "/attrib/inv_basic_parcel"] = {
             {14, "inv_phy_entity_basic_info"}, {5, "Index", {}, 7}, {12, "Name", monitor}, {15}, {18}};
     }
+    previous = current;
     current = this;
 }
 
@@ -92,7 +90,7 @@ host::~host()
         std::free(copy);
     for (void *text : token_texts)
         std::free(text);
-    current = current == this ? nullptr : current;
+    current = current == this ? previous : current;
 }
 
 void host::violate(bool broken, std::string_view what)
@@ -138,8 +136,8 @@ const char *host::keep(std::string_view text)
     return texts.back().get();
 }
 
-/* Fills `node` from the text at p and leaves *end behind it. */
-std::string host::sprout(dtf_datatree &node, const char *p, const char *ns, const char **end)
+/* Fills `node` from the text at p and returns what is behind it. */
+const char *host::sprout(dtf_datatree &node, const char *p, const char *ns)
 {
     std::string word(p, std::strcspn(p, " {}=@"));
     p += word.size();
@@ -161,14 +159,13 @@ std::string host::sprout(dtf_datatree &node, const char *p, const char *ns, cons
     if (*p == '{') {
         auto &children = *arrays.emplace_back(std::make_unique<std::vector<dtf_datatree>>());
         for (p += 1 + std::strspn(p + 1, " "); *p != '}'; p += std::strspn(p, " "))
-            sprout(children.emplace_back(), std::string_view(p).data(), ns, &p);
+            p = sprout(children.emplace_back(), p, ns);
         ++p;
         node.flags |= DTF_FLAG_HAS_SUBTREE;
         node.children = children.data();
         node.child_count = static_cast<uint32_t>(children.size());
     }
-    *end = p;
-    return word;
+    return p;
 }
 
 void host::number(dtf_datatree &node)
@@ -182,8 +179,7 @@ void host::number(dtf_datatree &node)
 dtf_datatree *host::plant(const std::string &text, const char *ns)
 {
     auto &root = *arrays.emplace_back(std::make_unique<std::vector<dtf_datatree>>(1));
-    const char *end = nullptr;
-    sprout(root[0], text.c_str(), ns, &end);
+    (void)sprout(root[0], text.c_str(), ns);
     number(root[0]);
     return root.data();
 }
@@ -250,28 +246,25 @@ std::string host::dump(const dtf_datatree *node, const std::string &indent) cons
     return all;
 }
 
-void block_freed(void *block)
-{
-    if (current != nullptr)
-        current->blocks.erase(block);
-}
-
 std::string host::imbalance()
 {
     finish_report();
 #if RECORDING_ASAN
     std::erase_if(blocks, [](void *block) { return __asan_address_is_poisoned(block) != 0; });
 #endif
-    violate(state.hierarchy_len != 0, "hierarchy not empty");
-    violate(!output_list.empty(), "entries left in the output list");
-    violate(!itree.empty(), "instance-tree stack not empty");
-    violate(decoded != released,
-            "tokens decoded " + std::to_string(decoded) + ", released " + std::to_string(released));
-    violate(walks != 0, "walk not ended");
-    violate(!binds.empty(), "binding not released");
-    violate(!blocks.empty(), "data block not freed");
-    violate(copies != (state.error_tag == nullptr ? std::set<void *>{} : std::set<void *>{state.error_tag}),
-            "error_tag is not the one live copy");
+    const std::size_t left[] = {state.hierarchy_len,
+                                output_list.size(),
+                                itree.size(),
+                                tokens_held,
+                                walks,
+                                binds.size(),
+                                blocks.size(),
+                                copies.size() - copies.count(state.error_tag)};
+    const char *const of[] = {"hierarchy", "output list", "instance-tree stack", "tokens",
+                              "walks",     "bindings",    "data blocks",         "named copies"};
+    for (std::size_t i = 0; i < std::size(left); ++i)
+        violate(left[i] != 0, printed("left over: %zu %s", left[i], of[i]));
+    violate(state.error_tag != nullptr && !copies.contains(state.error_tag), "error_tag is no copy");
     std::string all;
     for (const auto &violation : violations)
         all += violation + '\n';
@@ -293,21 +286,11 @@ using namespace recording;
 
 #if !RECORDING_ASAN
 /* Sees the plug-in free its data blocks; ASan builds see it by the poisoned block instead. */
-static void (*real_free)(void *) = nullptr;
-__attribute__((constructor)) static void find_free()
-{
-    real_free = reinterpret_cast<void (*)(void *)>(dlsym(RTLD_NEXT, "free"));
-}
-static thread_local bool within_free = false;
 extern "C" void free(void *block)
 {
-    if (real_free == nullptr)
-        return; // before the first statement of the program; at most a few bytes
-    if (block != nullptr && !within_free) {
-        within_free = true;
-        recording::block_freed(block);
-        within_free = false;
-    }
+    static const auto real_free = reinterpret_cast<void (*)(void *)>(dlsym(RTLD_NEXT, "free"));
+    if (current != nullptr)
+        std::erase(current->blocks, block);
     real_free(block);
 }
 #endif
@@ -599,7 +582,7 @@ faultno ostore_item_get(void *handle, const char *item, uint32_t *word, void **d
     *data = std::malloc(host::parcel_length);
     std::memcpy(*data, h.parcel(found->second), host::parcel_length);
     *length = host::parcel_length;
-    h.blocks.insert(*data);
+    h.blocks.push_back(*data);
     return 0;
 }
 
@@ -650,7 +633,7 @@ faultno parcel_generic_token(parcel_walk_td *walk, parcel_token_td *token)
         token->value.text = owned(next.text);
     else
         token->value.u32 = next.number;
-    ++h.decoded;
+    ++h.tokens_held;
     return 0;
 }
 
@@ -666,7 +649,7 @@ void parcel_generic_free_token_allocations(parcel_token_td *token)
     release(token->second_text);
     if (token->type == PARCEL_TOKEN_TEXT)
         release(token->value.text);
-    ++h.released;
+    --h.tokens_held;
 }
 
 void parcel_generic_destroy(parcel_walk_td *)

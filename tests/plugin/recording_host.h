@@ -115,7 +115,7 @@ struct host {
     void violate(bool broken, std::string_view what);
     bool fails(bool copy = false);
     std::string name(const dtf_datatree *node) const;
-    std::string sprout(dtf_datatree &node, const char *p, const char *ns, const char **end);
+    const char *sprout(dtf_datatree &node, const char *p, const char *ns);
     void number(dtf_datatree &node);
     dtf_datatree *append(dtf_datatree &parent, const char *tag, const char *ns);
     void reported(const char *level, const std::string &text);
@@ -125,13 +125,15 @@ struct host {
     std::vector<std::unique_ptr<char[]>> texts;
     std::vector<const dtf_datatree *> output_list;
     std::vector<dtf_itree_entry> itree;
-    std::set<void *> copies, binds, blocks, token_texts;
+    std::set<void *> copies, binds, token_texts;
+    std::vector<void *> blocks;
     std::vector<std::unique_ptr<std::vector<token>>> parcels;
-    std::size_t decoded = 0, released = 0, walks = 0;
+    std::size_t tokens_held = 0, walks = 0;
     std::optional<uint32_t> asked_level{}, drawn{};
+    host *previous;
 };
 
-/* The host the operations answer for: the last one made. */
+/* The host the operations answer for: the last one made that still lives. */
 extern host *current;
 
 } // namespace recording

@@ -76,41 +76,21 @@ inline string ingress_port(const string &chmon)
 inline void convert(const parcel_token_td &token, string &output)
 {
     const auto text = [](const char *given) { return string(given == nullptr ? "" : given).substr(0, 199); };
+    // clang-format off
     switch (token.type) {
-    case 0:
-        output = std::to_string(token.value.i8);
-        break;
-    case 1:
-        output = std::to_string(token.value.u8);
-        break;
-    case 2:
-        output = std::to_string(token.value.i16);
-        break;
-    case 3:
-        output = std::to_string(token.value.u16);
-        break;
-    case 4:
-    case 9:
-        output = std::to_string(token.value.i32);
-        break;
-    case 5:
-        output = std::to_string(token.value.u32);
-        break;
-    case 8:
-        output = inet_ntoa_r(token.value.ipv4);
-        break;
-    case 10:
-        output = token.value.boolean != 0 ? "TRUE" : "FALSE";
-        break;
-    case 12:
-        output = text(token.value.text);
-        break;
-    case 13:
-        output = text(token.second_text);
-        break;
-    default:
-        trc("convert_parcel_value_to_str", printed("UNKNOWN TOKEN TYPE %d - ERROR]\n", static_cast<int>(token.type)));
+    case 0: output = std::to_string(token.value.i8); break;
+    case 1: output = std::to_string(token.value.u8); break;
+    case 2: output = std::to_string(token.value.i16); break;
+    case 3: output = std::to_string(token.value.u16); break;
+    case 4: case 9: output = std::to_string(token.value.i32); break;
+    case 5: output = std::to_string(token.value.u32); break;
+    case 8: output = inet_ntoa_r(token.value.ipv4); break;
+    case 10: output = token.value.boolean != 0 ? "TRUE" : "FALSE"; break;
+    case 12: output = text(token.value.text); break;
+    case 13: output = text(token.second_text); break;
+    default: trc("convert_parcel_value_to_str", printed("UNKNOWN TOKEN TYPE %d - ERROR]\n", static_cast<int>(token.type)));
     }
+    // clang-format on
 }
 
 inline faultno get_value(const string &field, uint32_t wanted, const void *parcel, uint32_t length, string &output)
@@ -247,48 +227,31 @@ struct model {
     }
 };
 
+// clang-format off
 inline const model ots = {
-    "vantratalincontrollerkestrelotsoper",
-    CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER,
-    true,
+    "vantratalincontrollerkestrelotsoper", CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER, true,
     {{"otsoper", 'c', "", {}, {{"ots-ports", "otsoper_otsports"}}},
      {"otsoper_otsports", 'c', "", {}, {{"ots-port", "otsoper_otsports_otsport"}}},
-     {"otsoper_otsports_otsport",
-      'l',
-      "/ots-oper/ots-ports/ots-port",
-      {"name"},
+     {"otsoper_otsports_otsport", 'l', "/ots-oper/ots-ports/ots-port", {"name"},
       {{"ots-spectrum-info", "otsoper_otsport_otsspectruminfo"}, {"name", "otsoper_otsport_name"}}},
-     {"otsoper_otsport_otsspectruminfo",
-      'c',
-      "",
-      {},
+     {"otsoper_otsport_otsspectruminfo", 'c', "", {},
       {{"spectrum-slice-power-info", "otsoper_otsspectruminfo_spectrumslicepowerinfo"}}},
-     {"otsoper_otsspectruminfo_spectrumslicepowerinfo",
-      'l',
-      "/ots-oper/ots-ports/ots-port/ots-spectrum-info/spectrum-slice-power-info",
-      {},
+     {"otsoper_otsspectruminfo_spectrumslicepowerinfo", 'l',
+      "/ots-oper/ots-ports/ots-port/ots-spectrum-info/spectrum-slice-power-info", {},
       {{"lower-frequency", "otsoper_spectrumslicepowerinfo_lowerfrequency"},
        {"upper-frequency", "otsoper_spectrumslicepowerinfo_upperfrequency"},
        {"rx-power", "otsoper_spectrumslicepowerinfo_rxpower"}}},
-     {"otsoper_otsport_name", 'f'},
-     {"otsoper_spectrumslicepowerinfo_lowerfrequency", 'f'},
-     {"otsoper_spectrumslicepowerinfo_upperfrequency", 'f'},
-     {"otsoper_spectrumslicepowerinfo_rxpower", 'f'}}};
-
-inline const model ifmgr = {"vantratalinifmgrcfg",
-                            CHMON_NS_VANTRA_TALIN_IFMGR_CFG,
-                            false,
-                            {{"interfaceconfigurations",
-                              'c',
-                              "",
-                              {},
-                              {{"interface-configuration", "interfaceconfigurations_interfaceconfiguration"}}},
-                             {"interfaceconfigurations_interfaceconfiguration",
-                              'l',
-                              "/interface-configurations/interface-configuration",
-                              {"active", "interface-name"},
-                              {{"interface-name", "interfaceconfigurations_interfaceconfiguration_interfacename"}}},
-                             {"interfaceconfigurations_interfaceconfiguration_interfacename", 'f'}}};
+     {"otsoper_otsport_name", 'f'}, {"otsoper_spectrumslicepowerinfo_lowerfrequency", 'f'},
+     {"otsoper_spectrumslicepowerinfo_upperfrequency", 'f'}, {"otsoper_spectrumslicepowerinfo_rxpower", 'f'}}};
+inline const model ifmgr = {
+    "vantratalinifmgrcfg", CHMON_NS_VANTRA_TALIN_IFMGR_CFG, false,
+    {{"interfaceconfigurations", 'c', "", {},
+      {{"interface-configuration", "interfaceconfigurations_interfaceconfiguration"}}},
+     {"interfaceconfigurations_interfaceconfiguration", 'l', "/interface-configurations/interface-configuration",
+      {"active", "interface-name"},
+      {{"interface-name", "interfaceconfigurations_interfaceconfiguration_interfacename"}}},
+     {"interfaceconfigurations_interfaceconfiguration_interfacename", 'f'}}};
+// clang-format on
 
 inline faultno add(const string &path, const char *value, const dtf_datatree *source = nullptr, uint32_t new_entry = 0)
 {
@@ -300,9 +263,10 @@ inline faultno add(const string &path, const char *value, const dtf_datatree *so
 /* Native hundredths as a decimal with two places; empty for none. */
 inline string power(const char *value)
 {
-    return value == nullptr
-               ? ""
-               : printed("%.2f", std::strtod(string(value).substr(0, 199).c_str(), nullptr) / 100).substr(0, 199);
+    double number = 0.0;
+    if (value != nullptr)
+        (void)std::sscanf(string(value).substr(0, 199).c_str(), "%lf", &number);
+    return value == nullptr ? "" : printed("%.2f", number / 100).substr(0, 199);
 }
 
 /* op_chmon_cfg_name_to_high() and opt_key_to_high(): the second cuts the name, the first may be told to add nothing. */
