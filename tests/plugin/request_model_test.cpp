@@ -34,7 +34,7 @@ std::string grow(dice &d, node_id n)
         for (uint32_t copies = d.one_in(12) ? 2 : 1; copies > 0; --copies)
             if (is_list_key(child) ? !d.one_in(fill == 4 ? 2 : 6) : fill > 1 && !d.one_in(fill))
                 text += grow(d, child) + ' ';
-    for (const char *strange : {"extra", "x:extra", "-:extra", "?", "config", "name"})
+    for (const char *strange : {"%s%n", "x:extra", "-:extra", "?", "config", "name"})
         if (d.one_in(30))
             text += strange + std::string(d.one_in(4) ? "@3 " : " ");
     return text + '}';
