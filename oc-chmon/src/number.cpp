@@ -38,7 +38,9 @@ double read_number(const char *text)
         const bool tiny = NULL != std::memchr(text, '-', static_cast<size_t>(end - text));
         number = tiny ? 0.0 : std::numeric_limits<double>::infinity();
     } else if (std::errc() != error) {
-        number = 0.0;
+        return 0.0;
+    } else if (std::isinf(number) && 3 == end - text && ('i' == *end || 'I' == *end)) {
+        return 0.0; /* "inf" that begins "infinity" has to be all of it */
     }
     return negative ? -number : number;
 }
