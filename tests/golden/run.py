@@ -11,9 +11,9 @@ other in a scratch copy of the folder, in which `examples` and `shared` lead to 
     expected-error  the same for standard error
     status          exit statuses, one per command; without it all are 0
 
-A worked example of a document is a fenced block that begins with "$ ". "$ cat FILE" defines a file of the examples that
-follow, up to the next heading of the highest two levels; "$ chmon ..." is run and must print, on both outputs together,
-what follows it. A line that holds nothing but "..." stands for any number of lines.
+A worked example of a document is a fenced block that begins with "$ ". "$ cat FILE" defines a file for the examples that
+follow; "$ chmon ..." is run and must print, on both outputs together, what follows it. A line that holds nothing but
+"..." stands for any number of lines.
 
 What differs from run to run in the plug-in's reports, a context's address and the source line, is not compared.
 
@@ -102,7 +102,7 @@ def run_case(program, folder, write):
 
 
 def document_blocks(path):
-    """The document's worked examples: pairs of line number and lines. A heading gives an empty block: files go."""
+    """The document's worked examples: pairs of line number and lines."""
     block, start = None, 0
     for number, line in enumerate(path.read_text().splitlines(), 1):
         if block is not None and line.startswith("```"):
@@ -113,8 +113,6 @@ def document_blocks(path):
             block.append(line)
         elif line.startswith("```"):
             block, start = [], number + 1
-        elif re.match(r"##? ", line):
-            yield number, []
 
 
 def block_matches(wanted, got):
@@ -145,17 +143,12 @@ def run_block(program, block, scratch):
 
 def run_document(program, path):
     """Yields (place, what is wrong) of each worked example."""
-    scratch = None
-    for number, block in document_blocks(path):
-        if not block and scratch:
-            scratch.cleanup()
-        if not block or scratch is None:
-            scratch = tempfile.TemporaryDirectory()
-            make_scratch(None, pathlib.Path(scratch.name))
-        for line, fault in run_block(program, block, pathlib.Path(scratch.name)) if block else []:
-            yield f"{path}:{number}: {line}", fault
-    if scratch:
-        scratch.cleanup()
+    with tempfile.TemporaryDirectory() as name:
+        scratch = pathlib.Path(name)
+        make_scratch(None, scratch)
+        for number, block in document_blocks(path):
+            for line, fault in run_block(program, block, scratch):
+                yield f"{path}:{number}: {line}", fault
 
 
 def results(program, places, write):
