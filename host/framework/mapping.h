@@ -56,7 +56,7 @@ struct mapping_options {
      * The request key of the entry that a native list key names (a controller's monitor, say). Without it, a request
      * for a whole list gets its native entries but none of them is filled in.
      */
-    std::function<std::string(std::string_view native_key)> request_key;
+    std::function<std::string(std::string_view native_key)> request_key = {};
 };
 
 /* The input node that an added node stands for, as it was when the node was added. */
