@@ -18,6 +18,13 @@ namespace {
 constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
 constexpr std::string_view white_space = " \t\r\n";
 
+std::string without_controls(std::string text)
+{
+    std::ranges::replace_if(
+        text, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, '?');
+    return text;
+}
+
 /* An open file; standard input is borrowed, every other one closed. */
 class open_file
 {
@@ -84,6 +91,8 @@ std::size_t read_some(int descriptor, char *to, std::size_t room, const std::str
 
 } // namespace
 
+parse_error::parse_error(const std::string &what) : std::runtime_error(without_controls(what)) {}
+
 document_text make_document_text(std::string_view text, std::string name)
 {
     document_text document{std::move(name), make_buffer(text.size()), text.size()};
@@ -115,11 +124,14 @@ document_text read_document_text(const std::string &path, std::size_t size_limit
     return text;
 }
 
+std::size_t byte_order_mark_size(const document_text &text)
+{
+    return text.view().starts_with(byte_order_mark) ? byte_order_mark.size() : 0;
+}
+
 document_format format_of(const document_text &text)
 {
-    std::string_view rest = text.view();
-    if (rest.starts_with(byte_order_mark))
-        rest.remove_prefix(byte_order_mark.size());
+    const std::string_view rest = text.view().substr(byte_order_mark_size(text));
     const std::size_t first = rest.find_first_not_of(white_space);
     if (first == std::string_view::npos)
         throw parse_error(text.name + ": the document is empty");

@@ -23,7 +23,8 @@ namespace framework {
 class parse_error : public std::runtime_error
 {
   public:
-    using std::runtime_error::runtime_error;
+    /* What the document says may stand in `what`: control characters in it come out as "?", so it stays one line. */
+    explicit parse_error(const std::string &what);
 };
 
 /* What a document is to be: it decides what a leaf without value and an edit operation mean. */
@@ -63,6 +64,9 @@ enum class document_format { xml, json };
 
 /* Told by the first character that is not white space. Throws parse_error when it is neither. */
 document_format format_of(const document_text &text);
+
+/* Bytes of the byte order mark that the text may begin with. */
+std::size_t byte_order_mark_size(const document_text &text);
 
 /* The document's tree: a virtual root whose children are the top nodes. Throws parse_error. */
 dtf_datatree parse_document(const document_text &text, arena &memory, const document_options &options = {});

@@ -91,6 +91,7 @@ class json_reader
     void check_names_once(std::size_t first);
 
     name_entry &find_name(const char *key);
+    std::string_view decode_name(const char *key);
     std::string_view unescape(const char *text, std::size_t size);
     std::size_t offset_of(const char *place) const { return static_cast<std::size_t>(place - text_.bytes.get()); }
     [[noreturn]] void fail_syntax(simdjson::error_code error);
@@ -120,10 +121,11 @@ class json_reader
 
 dtf_datatree json_reader::read()
 {
-    const auto allocated = parser_.allocate(text_.size, json_depth_);
-    if (allocated != simdjson::SUCCESS)
+    if (parser_.allocate(text_.size, json_depth_) != simdjson::SUCCESS)
         throw parse_error(text_.name + ": no memory to read it");
-    auto document = parser_.iterate(text_.bytes.get(), text_.size, text_.size + document_text::padding);
+    const std::size_t skipped = byte_order_mark_size(text_);
+    const std::size_t size = text_.size - skipped;
+    auto document = parser_.iterate(text_.bytes.get() + skipped, size, size + document_text::padding);
     if (document.error() != simdjson::SUCCESS)
         fail_indexing(document.error());
     run(document.value_unsafe());
@@ -203,9 +205,7 @@ void json_reader::read_member(ondemand::field field)
     const char *const key = field.key().raw();
     const char *const inherited = levels_.back().ns;
     if (*key == '@') {
-        bool has_escapes = false;
-        const char *const end = string_end(key, has_escapes);
-        read_annotation({key + 1, static_cast<std::size_t>(end - key - 1)}, field.value());
+        read_annotation(decode_name(key).substr(1), field.value());
         advance();
         return;
     }
@@ -386,15 +386,19 @@ name_entry &json_reader::find_name(const char *key)
     const std::size_t left = text_.size - offset_of(key);
     if (guess.size() < left && key[guess.size()] == '"' && guess == std::string_view(key, guess.size()))
         return *names_.take_guess();
-    bool has_escapes = false;
-    const char *const end = string_end(key, has_escapes);
-    std::string_view text(key, static_cast<std::size_t>(end - key));
-    if (has_escapes)
-        text = unescape(key, text.size());
+    const std::string_view text = decode_name(key);
     name_entry *const name = names_.find(text);
     if (name == nullptr)
         builder_.fail_child(text, "not a member name");
     return *name;
+}
+
+/* A member name from behind its opening quote. */
+std::string_view json_reader::decode_name(const char *key)
+{
+    bool has_escapes = false;
+    const auto size = static_cast<std::size_t>(string_end(key, has_escapes) - key);
+    return has_escapes ? unescape(key, size) : std::string_view(key, size);
 }
 
 /* The decoded copy of a string, which cannot be kept when it holds what YANG texts never do (RFC 7950, 9.4). */

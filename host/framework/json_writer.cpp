@@ -95,7 +95,7 @@ class json_writer
     void write_array(siblings run, const schema_node *facts, std::size_t level);
     void write_node(const dtf_datatree &node, const schema_node *facts, std::size_t level);
     void write_value(const char *value, const schema_node *facts);
-    void write_leaf_operations(siblings run, const scope &in);
+    void write_leaf_operations(siblings run, const schema_node *facts, const scope &in);
     void write_operation(const dtf_datatree &node);
 
     bool has_operation(const dtf_datatree &node) const
@@ -184,7 +184,7 @@ void json_writer::write_member(siblings run, const scope &in)
     const bool annotated = std::ranges::any_of(
         run, [&](const dtf_datatree &node) { return has_operation(node) && !is_object(node, facts); });
     if (annotated)
-        write_leaf_operations(run, in);
+        write_leaf_operations(run, facts, in);
 }
 
 /* The member name; the mark "@" makes it that of an annotation. */
@@ -246,8 +246,9 @@ void json_writer::write_value(const char *value, const schema_node *facts)
         put_json_string(sink_, text.data());
 }
 
-/* The annotation of a leaf stands beside it; that of a run is an array, with null for those without. */
-void json_writer::write_leaf_operations(siblings run, const scope &in)
+/* The annotation of a leaf stands beside it; that of a run is an array, with null for those without (or with their own
+ * inside). */
+void json_writer::write_leaf_operations(siblings run, const schema_node *facts, const scope &in)
 {
     sink_.put(",");
     begin_line(in.level);
@@ -260,7 +261,7 @@ void json_writer::write_leaf_operations(siblings run, const scope &in)
     for (const dtf_datatree &node : run) {
         if (&node != &run[0])
             sink_.put(",");
-        if (has_operation(node))
+        if (has_operation(node) && !is_object(node, facts))
             write_operation(node);
         else
             sink_.put("null");

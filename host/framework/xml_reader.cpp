@@ -6,6 +6,7 @@
 #include "xml_text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <pugixml.hpp>
 #include <utility>
 
@@ -102,7 +103,8 @@ pugi::xml_node xml_reader::parse()
         if (node.type() == pugi::node_doctype)
             fail_parse(node.offset_debug(), "a document type declaration is not allowed");
         if (is_text(node))
-            fail_parse(node.offset_debug(), "text outside of the root element");
+            fail_parse(node.offset_debug() + static_cast<std::ptrdiff_t>(std::strspn(node.value(), " \t\r\n")),
+                       "text outside of the root element");
         if (root)
             fail_parse(node.offset_debug(), "second root element; several top containers stand in <data> or <config>");
         root = node;
@@ -278,8 +280,8 @@ xml_reader::attributes xml_reader::read_attributes(pugi::xml_node element, bool 
         if (name == "xmlns" || name.starts_with("xmlns:"))
             continue;
         const std::size_t colon = name.rfind(':');
-        const bool is_netconf =
-            colon != std::string_view::npos && find_prefix(name.substr(0, colon), element.name()) == netconf_namespace;
+        const bool has_prefix = colon != std::string_view::npos && colon > 0;
+        const bool is_netconf = has_prefix && find_prefix(name.substr(0, colon), element.name()) == netconf_namespace;
         const std::string_view local = colon == std::string_view::npos ? name : name.substr(colon + 1);
         if (is_netconf && local == "operation" && !is_wrapper && given.operation < 0)
             given.operation = read_operation(element.name(), decoded(writable(attribute.value()), element.name()));
@@ -304,7 +306,10 @@ int xml_reader::read_operation(const char *tag, std::string_view word) const
 
 /* ---- text ---- */
 
-/* A leaf's text. Comments and CDATA sections cut it into pieces; one piece, the rule, stays where it is. */
+/*
+ * A leaf's text. Comments and CDATA sections cut it into pieces; one piece, the rule, stays where it is. Of a piece
+ * that is white space alone the parser tells nothing.
+ */
 std::string_view xml_reader::text_of(pugi::xml_node element, const name_entry &name)
 {
     if (!element.first_child())

@@ -1,0 +1,121 @@
+/* Documents that are refused, and what the message says; and that no damage to a document does worse than that. */
+#include "tree_text.h"
+
+#include <gtest/gtest.h>
+#include <iostream>
+
+using namespace framework;
+
+namespace {
+
+constexpr auto data = document_use::data;
+constexpr auto edit = document_use::edit;
+
+struct refused_document {
+    document_use use;
+    std::string_view document;
+    std::string_view message;
+};
+
+#define NC "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\""
+
+constexpr refused_document refused[] = {
+    {data, "", "doc: the document is empty"},
+    {data, " \n", "doc: the document is empty"},
+    {data, "\n  ,", "doc:2:3: neither XML nor JSON"},
+    /* XML: syntax */
+    {data, "<a\n>\n<b>\n</a>", "doc:4:3: malformed XML"},
+    {data, "<a><b></b>", "doc:1:10: malformed XML"},
+    {data, "<a/><b/>", "second root element"},
+    {data, "<a/>\n text", "doc:2:2: text outside of the root element"},
+    {data, "<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>", "document type declaration is not allowed"},
+    {data, "<!-- nothing -->", "doc: the document has no element"},
+    {data, "<a>\nx\xff</a>", "doc:2:2: not UTF-8"},
+    {data, "<a>\n\x01</a>", "doc:2:1: control character"},
+    {data, {"<a>\0</a>", 8}, "doc:1:4: control character"},
+    {data, "<?xml version='1.0' encoding='ISO-8859-1'?><a/>", "doc: the document is in ISO-8859-1; only UTF-8"},
+    {data, "<a>&e;</a>", "doc: /a: unknown reference '&e;'"},
+    {data, "<a>&#0;</a>", "doc: /a: unknown reference '&#0;'"},
+    {data, "<a>&#xd800;</a>", "doc: /a: unknown reference"},
+    {data, "<a>a & b</a>", "doc: /a: '&' without a reference"},
+    /* XML: structure */
+    {data, "<a><b>1</b><b><c/>text</b></a>", "doc: /a/b[2]: text beside elements"},
+    {data, "<a><b>text<c/></b></a>", "doc: /a/b: text beside elements"},
+    {data, "<a><x:b/></a>", "doc: /a/b: unbound prefix 'x'"},
+    {data, "<a><b xmlns:x='m'/><x:c/></a>", "doc: /a/c: unbound prefix 'x'"},
+    {data, "<a xmlns:x=''/>", "doc: /a: prefix 'x' bound to no namespace"},
+    {data, "<a><b colour='red'/></a>", "doc: /a/b: unexpected attribute 'colour'"},
+    {edit, "<a operation='delete'/>", "doc: /a: unexpected attribute 'operation'"},
+    {edit, "<a " NC "><b nc:operation='move'/></a>", "doc: /a/b: unknown edit operation 'move'"},
+    {document_use::read, "<a " NC "><b nc:operation='move'/></a>", "doc: /a/b: unknown edit operation 'move'"},
+    {data, "<a " NC "><b nc:operation='delete'/></a>", "doc: /a/b: edit operation in data"},
+    {edit, "<filter type='xpath' select='/'/>", "unexpected attribute 'select'"},
+    {edit, "<filter type='xpath'/>", "filters of type 'xpath' are not supported"},
+    {data, "<data>text</data>", "text in <data>"},
+    {data, "<data><a/>text</data>", "text in <data>"},
+    /* JSON: syntax */
+    {data, "[]", "doc:1:1: a document is a JSON object"},
+    {data, "{\"m:a\": {\n\"b\": 1 \"c\": 2}}", "doc:2:8: malformed JSON"},
+    {data, "{\"m:a\": 01}", "doc:1:9: malformed JSON: '01' is no value"},
+    {data, "{\"m:a\": nul}", "'nul' is no value"},
+    {data, "{\"m:a\": 1} 2", "malformed JSON"},
+    {data, "{\"m:a\": {\"b\": \"x\": 1}}", "malformed JSON"},
+    {data, "{\"m:a\": {}", "malformed JSON"},
+    {data, "{\"m:a\": {}}}", "malformed JSON"},
+    {data, "{\"m:a\":\n\"x}", "doc:2:1: malformed JSON"},
+    {data, "{\"m:a\": \"\n\"}", "doc:1:10: malformed JSON"},
+    {data, "{\"m:a\": \"\\q\"}", "doc:1:10: malformed JSON: bad escape"},
+    {data, "{\"m:a\": \"\\u0000\"}", "doc:1:10: control character in a string"},
+    {data, "{\"m:a\": \"\xff\"}", "malformed JSON"},
+    /* JSON: structure */
+    {data, "{\"a\": 1}", "doc: /a: a top member's name begins with its module"},
+    {data, "{\"m:a\": {\"b c\": 1}}", "doc: /a/b c: not a member name"},
+    {data, "{\"m:a\": {\"\": 1}}", "doc: /a/: not a member name"},
+    {data, "{\"m:a\": {\"b\": 1, \"c\": {\"b\": 1}, \"m:b\": 2}}", "doc: /a/b: the member is there twice"},
+    {data, "{\"m:a\": {\"b\": null}}", "doc: /a/b: null is no value in data"},
+    {data, "{\"m:a\": {\"b\": [null, 1]}}", "doc: /a/b: null among the elements"},
+    {data, "{\"m:a\": {\"b\": [[1]]}}", "doc: /a/b: an array in an array"},
+    {data, "{\"m:a\": {\"@\": {\"ietf-netconf:operation\": \"delete\"}}}", "doc: /a: annotations are not supported"},
+    {edit, "{\"m:a\": {\"@\": {\"ietf-netconf:operation\": \"move\"}}}", "doc: /a: unknown edit operation 'move'"},
+    {edit, "{\"m:a\": {\"@\": {\"ietf-origin:origin\": \"x\"}}}", "doc: /a: unknown annotation 'ietf-origin:origin'"},
+    {edit, "{\"m:a\": {\"@b\": {\"ietf-netconf:operation\": \"merge\"}}}", "doc: /a: '@b' annotates no member"},
+    {edit, "{\"@\": {\"ietf-netconf:operation\": \"merge\"}}", "an annotation of the document itself"},
+};
+
+TEST(refused_documents, say_what_and_where)
+{
+    for (const refused_document &row : refused) {
+        const std::string result = parsed(row.document, row.use);
+        EXPECT_NE(result.find(row.message), std::string::npos)
+            << "document: " << row.document << "\nwanted:   " << row.message << "\ngot:      " << result;
+        EXPECT_TRUE(result.starts_with("error: doc:")) << result;
+    }
+}
+
+constexpr std::string_view damaged_documents[] = {
+    "<?xml version='1.0'?><data><a xmlns='m' xmlns:p='q'><b>1&amp;&#65;</b><p:c><![CDATA[x]]></p:c><d/></a></data>",
+    R"({"m:a": {"b": ["1", -2.5e1, null, true], "q:c": {"d": "\u00e9\n"}, "@q:c": {"ietf-netconf:operation": "merge"},
+        "e": [{"f": {}}, {}], "g": []}})",
+};
+
+/* A truncated document is no document; one with any other byte changed is read or refused, never worse. */
+TEST(refused_documents, damage_does_no_harm)
+{
+    std::size_t cases = 0;
+    for (const std::string_view document : damaged_documents) {
+        ASSERT_FALSE(parsed(document, edit).starts_with("error")) << parsed(document, edit);
+        for (std::size_t i = 0; i < document.size(); ++i) {
+            EXPECT_TRUE(parsed(document.substr(0, i), edit).starts_with("error: doc")) << document.substr(0, i);
+            for (const char byte : std::string_view("\0\x80\"'\\<>{}[],:&;@/x 0", 20)) {
+                std::string changed(document);
+                changed[i] = byte;
+                parsed(changed, edit);
+                ++cases;
+            }
+        }
+    }
+    std::cout << cases << " changed documents\n";
+    EXPECT_GT(cases, 5000u);
+}
+
+} // namespace

@@ -1,0 +1,272 @@
+/* What is read is what was written, in both encodings; and both encodings of one document are one tree. */
+#include "edit_operations.h"
+#include "json_writer.h"
+#include "tree.h"
+#include "tree_text.h"
+#include "xml_writer.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <iterator>
+#include <random>
+#include <vector>
+
+using namespace framework;
+
+namespace {
+
+#define OC "xmlns=\"http://openconfig.net/yang/channel-monitor\""
+#define NC "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\""
+
+/* Both encodings of one document. */
+struct pair_of_documents {
+    document_use use;
+    const char *xml;
+    const char *json;
+};
+
+const pair_of_documents pairs[] = {
+    /* prefixes, defaults, and the wrapper with several top containers, one of them foreign */
+    {document_use::data,
+     "<?xml version='1.0' encoding='utf-8'?><!-- c --><nc:data " NC " xmlns:p='urn:vantra:talin:ifmgr-cfg'>"
+     "<p:interface-configurations><p:interface-configuration><p:active>act</p:active><p:mtu> 1514\n</p:mtu>"
+     "<shutdown xmlns='urn:vantra:talin:ifmgr-cfg'/></p:interface-configuration></p:interface-configurations>"
+     "<other xmlns='elsewhere'><x>true</x><y xmlns='third'>-1.50e3</y></other></nc:data>",
+     R"({"Vantra-TALIN-ifmgr-cfg:interface-configurations": {"interface-configuration": [
+        {"active": "act", "mtu": 1514, "shutdown": [null]}]},
+        "elsewhere:other": {"x": true, "third:y": -1.50e3}})"},
+    /* every way to write a text */
+    {document_use::data,
+     "<a xmlns='m'><b>&lt;&amp;&gt;&quot;&apos;&#x41;&#955;\xf0\x9f\x98\x80</b><c>one <!-- x --><![CDATA[<two>&amp;]]>"
+     "</c><d>l1\r\nl2\rl3</d><e>&#32;kept&#9;</e><f>\n  \xc3\xa9  \n</f></a>",
+     R"({"m:a": {"b": "<&>\"'A\u03bb\ud83d\ude00", "c": "one <two>&amp;", "d": "l1\nl2\nl3", "e": " kept\t",
+        "f": "é"}})"},
+    /* a filter: what selects has no value, whatever JSON writes for that; operations mean nothing */
+    {document_use::read,
+     "<filter type='subtree'><channel-monitors " OC "><channel-monitor><name/><config> </config><state " NC
+     " nc:operation='delete'><name></name></state></channel-monitor></channel-monitors></filter>",
+     R"({"openconfig-channel-monitor:channel-monitors": {"channel-monitor": [{"name": null, "config": {}, "state":
+        {"@": {"ietf-netconf:operation": "delete"}, "name": ""}}]}})"},
+    /* operations: explicit ones, what is inherited (create, delete, remove; not to keys) and what is not (replace) */
+    {document_use::edit,
+     "<config><channel-monitors " OC " " NC "><channel-monitor nc:operation='create'><name>A</name><config><name>A"
+     "</name><monitor-port nc:operation='merge'>P</monitor-port></config></channel-monitor><channel-monitor "
+     "nc:operation='replace'><name nc:operation='remove'>B</name><config/></channel-monitor><channel-monitor "
+     "nc:operation=' delete '><name>C</name><config/></channel-monitor></channel-monitors></config>",
+     R"({"openconfig-channel-monitor:channel-monitors": {"channel-monitor": [
+        {"@": {"ietf-netconf:operation": "create"}, "name": "A", "config": {"name": "A",
+         "@monitor-port": {"ietf-netconf:operation": "merge"}, "monitor-port": "P"}},
+        {"@openconfig-channel-monitor:name": {"ietf-netconf:operation": "remove"}, "name": "B", "config": {},
+         "@": {"ietf-netconf:operation": "replace"}},
+        {"name": "C", "config": {}, "@": {"ietf-netconf:operation": "delete"}}]}})"},
+    /* runs: of entries without keys, of values, of nothing; annotations of one of a run */
+    {document_use::edit, "<a xmlns='m' " NC "><l><k>1</k></l><l/><v>1</v><v nc:operation='delete'>2</v><n/><n/></a>",
+     R"({"m:a": {"l": [{"k": "1"}, {}], "v": [1, 2], "n": [null, null], "e": [],
+        "@v": [null, {"ietf-netconf:operation": "delete"}]}})"},
+    {document_use::read, "<filter xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' type='subtree'/>", "{}"},
+};
+
+TEST(documents, both_encodings_are_one_tree)
+{
+    for (const pair_of_documents &pair : pairs) {
+        const std::string tree = parsed(pair.xml, pair.use);
+        EXPECT_EQ(tree, parsed(pair.json, pair.use)) << pair.xml;
+        EXPECT_EQ(tree.find("error"), std::string::npos) << tree;
+        EXPECT_EQ(tree, parsed("\xef\xbb\xbf\n" + std::string(pair.json), pair.use));
+    }
+}
+
+TEST(documents, operations_are_inherited_by_their_rules)
+{
+    const std::string ns = " {http://openconfig.net/yang/channel-monitor}";
+    const std::string tree = parsed(pairs[3].xml, document_use::edit);
+    EXPECT_EQ(tree, "  channel-monitors" + ns + " op 0\n" +                                                         //
+                        "    channel-monitor" + ns + " op 2!\n      name" + ns + " = 'A' op 0\n" +                  //
+                        "      config" + ns + " op 2\n        name" + ns + " = 'A' op 2\n" +                        //
+                        "        monitor-port" + ns + " = 'P' op 0!\n" +                                            //
+                        "    channel-monitor" + ns + " op 1!\n      name" + ns + " = 'B' op 4!\n" +                 //
+                        "      config" + ns + " op 0\n" +                                                           //
+                        "    channel-monitor" + ns + " op 3!\n      name" + ns + " = 'C' op 0\n      config" + ns + //
+                        " op 3\n");
+}
+
+/* Where two texts part: a line of each. */
+std::string difference(const std::string &a, const std::string &b)
+{
+    const auto [in_a, in_b] = std::ranges::mismatch(a, b);
+    if (in_a == a.end() && in_b == b.end())
+        return "";
+    const std::size_t start = a.rfind('\n', static_cast<std::size_t>(in_a - a.begin())) + 1;
+    return "'" + a.substr(start, a.find('\n', start) - start) + "' and '" +
+           b.substr(start, b.find('\n', start) - start) + "'";
+}
+
+/* Every spelling a writer has, read again; each time the same tree. */
+void expect_round_trips(const dtf_datatree &root, document_use use, const std::string &what)
+{
+    const std::string tree = tree_text(root);
+    for (const bool pretty : {true, false}) {
+        std::string xml = "kept";
+        write_xml(xml, root, {pretty, use == document_use::edit});
+        ASSERT_TRUE(xml.starts_with("kept<"));
+        EXPECT_EQ(difference(parsed(xml.substr(4), use), tree), "") << what << " as XML";
+        std::string json;
+        write_json(json, root, {pretty, use == document_use::edit});
+        EXPECT_EQ(difference(parsed(json, use), tree), "") << what << " as JSON";
+    }
+}
+
+TEST(documents, written_and_read_again_are_the_same)
+{
+    for (const pair_of_documents &pair : pairs) {
+        arena memory;
+        document_options options;
+        options.use = pair.use;
+        const dtf_datatree root = parse_document(make_document_text(pair.json, "doc"), memory, options);
+        expect_round_trips(root, pair.use, pair.xml);
+    }
+}
+
+/* A random tree with texts and names that need care. Runs of one name stand together, as JSON has them. */
+class random_trees
+{
+  public:
+    explicit random_trees(unsigned seed) : random_(seed) {}
+
+    dtf_datatree make(arena &memory, bool with_operations)
+    {
+        dtf_datatree root = {};
+        root.flags = DTF_FLAG_VALID;
+        fill(memory, root, 0, with_operations);
+        inherit_operations(root);
+        return root;
+    }
+
+  private:
+    std::size_t below(std::size_t limit) { return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random_); }
+
+    void fill(arena &memory, dtf_datatree &parent, int level, bool with_operations)
+    {
+        static constexpr const char *tags[] = {
+            "channel-monitors",         "channel-monitor",  "name", "mtu", "config", "a.b", "_c",
+            "interface-configurations", "\xc3\xa9t\xc3\xa9"};
+        static constexpr const char *namespaces[] = {"http://openconfig.net/yang/channel-monitor",
+                                                     "urn:vantra:talin:ifmgr-cfg", "foreign", "urn:a&b\"<c>"};
+        static constexpr const char *values[] = {"1",   "-0.5e+3", "01",    "true",   "null",
+                                                 " ",   "\t x\n",  "\"\\/", "<&>]]>", "\xf0\x9f\x98\x80",
+                                                 "a b", "&amp;",   "1e",    "-",      "\x7f"};
+        const std::size_t first = below(std::size(tags));
+        for (std::size_t t = 0; t < std::size(tags); ++t) {
+            const char *const ns = level > 0 && below(4) > 0 ? parent.ns : namespaces[below(std::size(namespaces))];
+            const bool leaves = level > 2 || below(2) == 0;
+            for (std::size_t count = below(level == 0 ? 2 : 4) == 0 ? 1 + below(3) : 0; count > 0; --count) {
+                dtf_datatree &node = add_child(memory, parent);
+                node.tag = tags[(first + t) % std::size(tags)];
+                node.ns = ns;
+                if (with_operations && below(3) == 0)
+                    set_operation(node, static_cast<std::uint32_t>(below(5)));
+                if (leaves && below(3) > 0) {
+                    node.value = values[below(std::size(values))];
+                    node.flags |= DTF_FLAG_HAS_VALUE;
+                } else if (!leaves) {
+                    fill(memory, node, level + 1, with_operations);
+                }
+            }
+        }
+    }
+
+    std::mt19937 random_;
+};
+
+TEST(documents, random_trees_survive_both_encodings)
+{
+    constexpr unsigned trees = 150;
+    std::size_t nodes = 0;
+    for (unsigned seed = 0; seed < trees && !HasFailure(); ++seed) {
+        arena memory;
+        const bool edit = seed % 2 == 0;
+        const dtf_datatree root = random_trees(seed).make(memory, edit);
+        expect_round_trips(root, edit ? document_use::edit : document_use::read, "seed " + std::to_string(seed));
+        const std::string text = tree_text(root);
+        nodes += static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+    }
+    std::cout << trees << " trees, " << nodes << " nodes\n";
+    EXPECT_GT(nodes, 10000u);
+}
+
+TEST(documents, the_deepest_tree_is_written)
+{
+    arena memory;
+    dtf_datatree root = {};
+    root.flags = DTF_FLAG_VALID;
+    dtf_datatree *at = &root;
+    for (int level = 0; level < 500; ++level) {
+        at = &add_child(memory, *at);
+        at->tag = "channel-monitors";
+        at->ns = "foreign";
+    }
+    expect_round_trips(root, document_use::data, "500 levels");
+}
+
+TEST(documents, members_of_one_name_are_put_together)
+{
+    /* Few names, and more than are compared one by one. */
+    for (const int names : {2, 100}) {
+        std::string apart, together;
+        for (int i = 0; i < names; ++i) {
+            const std::string tag = "t" + std::to_string(i);
+            apart += "<" + tag + ">1</" + tag + ">";
+            together += (i == 0 ? "" : ",") + ("\"" + tag) + "\":[\"1\",\"2\"]";
+        }
+        std::string document = "<a xmlns='m'>" + apart;
+        for (int i = names - 1; i >= 0; --i)
+            document += "<t" + std::to_string(i) + ">2</t" + std::to_string(i) + ">";
+        arena memory;
+        std::string json;
+        write_json(json, parse_document(make_document_text(document + "</a>", "doc"), memory), {false, false});
+        EXPECT_EQ(json, "{\"m:a\":{" + together + "}}");
+    }
+}
+
+TEST(documents, what_is_no_text_comes_out_as_a_replacement)
+{
+    dtf_datatree leaf = {};
+    leaf.tag = "a";
+    leaf.value = "\x01|\xc3|\xed\xa0\x80|\xc0\xaf|\xf5|\xe2\x82";
+    leaf.flags = DTF_FLAG_VALID | DTF_FLAG_HAS_VALUE;
+    std::string xml, json;
+    write_xml(xml, leaf, {false, false});
+    write_json(json, leaf, {false, false});
+    const std::string r = "\xef\xbf\xbd";
+    const std::string rest = "|" + r + "|" + r + r + r + "|" + r + r + "|" + r + "|" + r + r;
+    EXPECT_EQ(xml, "<a>" + r + rest + "</a>");
+    EXPECT_EQ(json, "{\"a\":\"\\u0001" + rest + "\"}");
+}
+
+/* The examples that come in both encodings. */
+TEST(documents, examples_agree)
+{
+    std::size_t compared = 0;
+    for (const char *const folder : {"device", "requests"}) {
+        const auto use = std::string_view(folder) == "device" ? document_use::data : document_use::edit;
+        for (const auto &file : std::filesystem::directory_iterator(CHMON_SOURCE "/examples/" + std::string(folder))) {
+            auto other = file.path();
+            if (other.extension() != ".xml" || !std::filesystem::exists(other.replace_extension(".json")))
+                continue;
+            arena memory;
+            document_options options;
+            options.use = use;
+            const dtf_datatree root = read_document(file.path(), memory, options);
+            EXPECT_EQ(tree_text(root), tree_text(read_document(other, memory, options))) << file.path();
+            expect_round_trips(root, use, file.path());
+            ++compared;
+        }
+    }
+    std::cout << compared << " pairs of examples\n";
+    EXPECT_GE(compared, 10u);
+}
+
+} // namespace

@@ -1,0 +1,44 @@
+#include "tree_text.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+void append(std::string &text, const dtf_datatree &node, std::size_t level)
+{
+    const bool has_value = (node.flags & DTF_FLAG_HAS_VALUE) != 0;
+    const bool has_children = (node.flags & DTF_FLAG_HAS_SUBTREE) != 0;
+    EXPECT_NE(node.flags & DTF_FLAG_VALID, 0u);
+    EXPECT_EQ(has_value, node.value != nullptr);
+    EXPECT_EQ(has_children, node.child_count > 0);
+    EXPECT_EQ(has_children, node.children != nullptr);
+    if (node.tag != nullptr) {
+        text += std::string(2 * level, ' ') + node.tag + " {" + (node.ns == nullptr ? "" : node.ns) + "}";
+        text += has_value ? " = '" + std::string(node.value) + "'" : "";
+        text += " op " + std::to_string(node.operation) + ((node.flags & DTF_FLAG_OP_SET) != 0 ? "!\n" : "\n");
+    }
+    for (std::uint32_t i = 0; i < node.child_count; ++i)
+        append(text, node.children[i], level + 1);
+}
+
+} // namespace
+
+std::string tree_text(const dtf_datatree &root)
+{
+    std::string text;
+    append(text, root, 0);
+    return text;
+}
+
+std::string parsed(std::string_view document, framework::document_use use)
+{
+    framework::arena memory;
+    framework::document_options options;
+    options.use = use;
+    try {
+        return tree_text(framework::parse_document(framework::make_document_text(document, "doc"), memory, options));
+    } catch (const framework::parse_error &error) {
+        EXPECT_EQ(std::string_view(error.what()).find('\n'), std::string_view::npos) << error.what();
+        return std::string("error: ") + error.what();
+    }
+}
