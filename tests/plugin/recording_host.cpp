@@ -75,6 +75,7 @@ host::host(const std::vector<std::string> &inventory)
     context.trace_ring = &reports;
     context.trace_on = 1;
     names[&out] = "out";
+    log_start = printed(": DTF: ctx=%p,", static_cast<void *>(&context));
     for (const std::string &monitor : inventory) {
         const std::string entity = std::string(monitor).replace(monitor.find('/'), 1, "%2f");
         items["/oper/inventory/gl/entity/" + entity + "/attrib/inv_basic_parcel"] = {
@@ -317,7 +318,7 @@ void _plat_dt_log_filter_adv(void *log, uint32_t a, uint32_t b, uint32_t c, uint
     const std::string line = printed_list(format, arguments);
     va_end(arguments);
     const bool err = log == h.context.err_log;
-    const std::string start = printed("%s: DTF: ctx=%p,", err ? "ERR" : "TRC", static_cast<void *>(&h.context));
+    const std::string start = (err ? "ERR" : "TRC") + h.log_start;
     h.violate((!err && log != h.context.trc_log) || (a | b | c | d | e) != 0 || !line.starts_with(start), line);
     h.violate(h.asked_level != (err ? DTF_LEVEL_ERR : DTF_LEVEL_TRC), "logged without asking");
     h.asked_level.reset();
@@ -346,8 +347,8 @@ void _ringlog(void *trace_ring, uint64_t tag, const char *line)
     unsigned index = 0;
     int number = 0;
     const int read = std::sscanf(line, "#%u: %3s: %199[^:]:%d ctx=", &index, level, function, &number);
-    const std::string start =
-        printed("#%u: %s: %s:%d ctx=%p,", index, level, function, number, static_cast<void *>(&h.context));
+    const std::string start = '#' + std::to_string(index) + ": " + level + ": " + function + ':' +
+                              std::to_string(number) + h.log_start.substr(h.log_start.find(" ctx"));
     // The filter alone says whether this report's line has just gone to the debug log.
     const bool logged = (h.context.debug_filter.levels >> (*level == 'E' ? DTF_LEVEL_ERR : DTF_LEVEL_TRC) & 1) != 0;
     if (!logged)
@@ -362,15 +363,14 @@ void _ringlog(void *trace_ring, uint64_t tag, const char *line)
     r.function = function;
     r.line = number;
     h.lines.back() = r.level + ' ' + function + ": " + r.text;
-    if (!logged)
+    if (!logged || (r.site->line == number && r.site->function == function))
         return;
     // A place is a line of a function with a format; it has one word, and the word is its alone.
-    static std::map<std::string, site *> site_of_place;
-    const std::string place = printed("%s:%d ", function, number) + r.site->format;
-    h.violate((!r.site->place.empty() && r.site->place != place) ||
-                  site_of_place.try_emplace(place, r.site).first->second != r.site,
+    static std::set<std::string> places;
+    h.violate(r.site->line != 0 || !places.insert(printed("%s:%d ", function, number) + r.site->format).second,
               "site word shared or two for one place");
-    r.site->place = place;
+    r.site->line = number;
+    r.site->function = function;
 }
 
 void dtf_oc_error_path(dtf_map_ctx ctx)
@@ -423,7 +423,6 @@ void dtf_remove_from_output_list_ctx(dtf_map_ctx ctx, const struct dtf_datatree 
 
 int dtf_map_do_these_match(const char *a, const char *b)
 {
-    current->note("match " + quoted(a) + ' ' + quoted(b));
     return a != nullptr && b != nullptr && std::strcmp(a, b) == 0 ? 0x100 : 0;
 }
 

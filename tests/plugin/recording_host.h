@@ -52,7 +52,8 @@ struct addition {
 /* A reporting place, as its site word tells it. The word is all ones first, and what the host left there after that. */
 struct site {
     uint32_t word = 0xffffffff;
-    std::string format{}, place{};
+    std::string format{}, function{};
+    int line = 0;
 };
 
 /* One report. function and line are known while the trace buffer is on, site while the debug log takes the level. */
@@ -104,7 +105,7 @@ struct host {
 
     /* All lines but those that start with one of the words of `without`: by default the pure questions and the copies,
      * whose number is the plug-in's own affair. */
-    std::string text(const std::string &without = "match is_delete is_add itree_peak itree_size copy") const;
+    std::string text(const std::string &without = "is_delete is_add itree_peak itree_size copy") const;
     std::string added() const;
     /* Every field of a tree but its pointers. */
     std::string dump(const dtf_datatree *node, const std::string &indent = "") const;
@@ -130,6 +131,7 @@ struct host {
     std::vector<std::unique_ptr<std::vector<token>>> parcels;
     std::size_t tokens_held = 0, walks = 0;
     std::optional<uint32_t> asked_level{}, drawn{};
+    std::string log_start;
     host *previous;
 };
 
