@@ -35,6 +35,12 @@ void add_global_options(CLI::App &app, global_options &globals);
 /* Each adds one command; `globals` must outlive the parsing. */
 void add_map(CLI::App &app, global_options &globals);
 void add_plan(CLI::App &app, global_options &globals);
+void add_init(CLI::App &app, global_options &globals);
+void add_load(CLI::App &app, global_options &globals);
+void add_inventory(CLI::App &app, global_options &globals);
+void add_native(CLI::App &app, global_options &globals);
+void add_get(CLI::App &app, global_options &globals);
+void add_edit(CLI::App &app, global_options &globals);
 
 } // namespace cli
 

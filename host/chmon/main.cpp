@@ -36,6 +36,12 @@ int run(int argc, char **argv)
     cli::add_global_options(app, globals);
     cli::add_map(app, globals);
     cli::add_plan(app, globals);
+    cli::add_init(app, globals);
+    cli::add_load(app, globals);
+    cli::add_inventory(app, globals);
+    cli::add_native(app, globals);
+    cli::add_get(app, globals);
+    cli::add_edit(app, globals);
     app.footer("Each command has a --help of its own.");
     try {
         app.parse(argc, argv);

@@ -1,11 +1,11 @@
 #include "service/native_mapping.h"
 
+#include "service/judge.h"
 #include "service/merge.h"
 #include "service/tree_access.h"
 #include "service/walk.h"
 #include "service/wrong_model.h"
 
-#include "device/schema.h"
 #include "framework/json_writer.h"
 #include "framework/schema_facts.h"
 #include "framework/xml_writer.h"
@@ -52,52 +52,6 @@ void check_models(std::span<const dtf_datatree> tops, std::span<const native_mod
         throw wrong_model(name + ": the document holds no data");
 }
 
-/* Whether every monitor has its configured part, to which its key refers. */
-bool is_complete(const dtf_datatree &reply)
-{
-    return std::ranges::all_of(children_of(reply), [](const dtf_datatree &top) {
-        return std::ranges::all_of(children_of(top), [](const dtf_datatree &monitor) {
-            return framework::find_child(monitor, "config") != nullptr;
-        });
-    });
-}
-
-device::format to_device(document_format format)
-{
-    return format == document_format::xml ? device::format::xml : device::format::json;
-}
-
-std::string write_document(const dtf_datatree &tree, document_format format)
-{
-    std::string text;
-    if (format == document_format::xml)
-        framework::write_xml(text, tree);
-    else
-        framework::write_json(text, tree);
-    return text;
-}
-
-/* The judge knows no wrapper around several top elements, so these are judged one by one. */
-void judge_native(const dtf_datatree &native, const std::string &text, document_format format, const std::string &name)
-{
-    const device::schema judge;
-    const auto tops = children_of(native);
-    if (tops.size() == 1)
-        judge.validate(text, to_device(format), device::check::whole, name);
-    else {
-        for (const dtf_datatree &top : tops)
-            judge.validate(write_document(top, format), to_device(format), device::check::whole, name + ": " + top.tag);
-    }
-}
-
-void judge_reply(const dtf_datatree &reply, const std::string &text, document_format format)
-{
-    if (children_of(reply).empty())
-        return;
-    const auto how = is_complete(reply) ? device::check::whole : device::check::types;
-    device::schema().validate(text, to_device(format), how, "the result");
-}
-
 } // namespace
 
 dtf_datatree map_native(const plugin &mapper, const dtf_datatree &native, const std::string &name,
@@ -136,7 +90,7 @@ std::string map_document(const plugin &mapper, const map_options &options)
     const auto wanted = options.format.value_or(written_as);
     std::string written = write_document(reply, wanted);
     if (options.validate)
-        judge_reply(reply, written, wanted);
+        judge_reply(reply, reply_extent::whole, written, wanted);
     return written;
 }
 

@@ -1,0 +1,99 @@
+#include "service/filter_request.h"
+
+#include "service/tree_access.h"
+
+#include "framework/schema_facts.h"
+#include "framework/tree.h"
+
+#include "oc_chmon.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace service {
+
+namespace {
+
+using framework::schema_kind;
+using framework::schema_node;
+
+constexpr const char *top_tag = "channel-monitors";
+
+bool is_leaf(const schema_node &facts)
+{
+    return facts.kind != schema_kind::container && facts.kind != schema_kind::list;
+}
+
+bool is_ours(const dtf_datatree &node)
+{
+    return node.ns == nullptr || framework::same_namespace(node.ns, CHMON_NS_OPENCONFIG_CHANNEL_MONITOR);
+}
+
+bool holds_match(const dtf_datatree &node)
+{
+    return std::ranges::any_of(children_of(node), [](const dtf_datatree &child) { return !value_of(child).empty(); });
+}
+
+/* The node alone. */
+dtf_datatree bare(const dtf_datatree &node)
+{
+    dtf_datatree copy{};
+    copy.tag = node.tag;
+    copy.ns = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR;
+    copy.value = node.value;
+    copy.flags = DTF_FLAG_VALID | (node.flags & DTF_FLAG_HAS_VALUE);
+    return copy;
+}
+
+/*
+ * The filter node as a request, none where it can select nothing. `facts` is what is known of it, null for an element
+ * that our model does not have: the plug-in reports that one.
+ */
+std::optional<dtf_datatree> request_of(const dtf_datatree &node, const schema_node *facts, framework::arena &memory)
+{
+    dtf_datatree request = bare(node);
+    /* Text beside elements never gets here, so this one is matched with text that a container does not have. */
+    if (facts != nullptr && !is_leaf(*facts) && !value_of(node).empty())
+        return std::nullopt;
+    const auto children = children_of(node);
+    const bool is_entry = facts != nullptr && facts->kind == schema_kind::list;
+    for (const dtf_datatree &child : children) {
+        if (!is_ours(child))
+            continue;
+        auto below = request_of(child, facts == nullptr ? nullptr : facts->child(child.tag), memory);
+        if (!below)
+            continue;
+        if (is_entry && children.size() > 1 && holds_match(*below))
+            *below = bare(child);
+        framework::add_child(memory, request) = *below;
+    }
+    if (!children.empty() && children_of(request).empty())
+        return std::nullopt;
+    return request;
+}
+
+} // namespace
+
+std::vector<dtf_datatree> requests_of(const dtf_datatree &filter, framework::arena &memory)
+{
+    std::vector<dtf_datatree> requests;
+    const schema_node *const facts = framework::find_schema_node(top_tag);
+    for (const dtf_datatree &top : children_of(filter)) {
+        if (!is_ours(top) || std::string_view(top.tag) != top_tag)
+            continue;
+        if (const auto request = request_of(top, facts, memory))
+            requests.push_back(*request);
+    }
+    return requests;
+}
+
+dtf_datatree whole_request()
+{
+    dtf_datatree top{};
+    top.tag = top_tag;
+    top.ns = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR;
+    top.flags = DTF_FLAG_VALID;
+    return top;
+}
+
+} // namespace service

@@ -1,0 +1,67 @@
+#include "service/get.h"
+
+#include "service/judge.h"
+#include "service/stop_watch.h"
+
+#include "framework/document.h"
+
+#include <chrono>
+#include <ostream>
+
+namespace service {
+
+namespace {
+
+/* The costs of a whole get. */
+struct get_costs : read_costs {
+    duration parse{};
+    duration print{};
+};
+
+double microseconds(get_costs::duration time) { return std::chrono::duration<double, std::micro>(time).count(); }
+
+void tell(std::ostream &stream, const get_costs &costs)
+{
+    const auto before = stream.precision(1);
+    const auto flags = stream.setf(std::ios::fixed, std::ios::floatfield);
+    stream << "stats: parse " << microseconds(costs.parse) << " us, plan " << microseconds(costs.plan) << " us, fetch "
+           << microseconds(costs.fetch) << " us, map " << microseconds(costs.map) << " us, filter "
+           << microseconds(costs.filter) << " us, print " << microseconds(costs.print) << " us; " << costs.records
+           << " native records, " << costs.bytes << " bytes\n";
+    stream.flags(flags);
+    stream.precision(before);
+}
+
+} // namespace
+
+std::string get_document(const plugin &mapper, const device::folder &device, const get_options &options)
+{
+    /* Before the memory of the trees, which point into what it sees. */
+    const ostore::read_transaction state(device.database());
+    framework::arena memory;
+    get_costs costs;
+    stop_watch watch;
+    std::optional<dtf_datatree> filter;
+    document_format format = document_format::xml;
+    if (options.filter) {
+        framework::document_options reading;
+        reading.use = framework::document_use::read;
+        const auto text = framework::read_document_text(*options.filter, reading.size_limit);
+        format = framework::format_of(text);
+        filter = framework::parse_document(text, memory, reading);
+    }
+    costs.parse = watch.lap();
+    const dtf_datatree reply = read(mapper, state, filter ? &*filter : nullptr,
+                                    options.config_only ? kind_get_config : kind_get, memory, options.walks, &costs);
+    watch.lap();
+    format = options.format.value_or(format);
+    std::string text = write_document(reply, format);
+    costs.print = watch.lap();
+    if (options.validate)
+        judge_reply(reply, filter ? reply_extent::part : reply_extent::whole, text, format);
+    if (options.stats != nullptr)
+        tell(*options.stats, costs);
+    return text;
+}
+
+} // namespace service

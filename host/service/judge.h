@@ -1,0 +1,30 @@
+/* Documents written, and judged by the YANG modules. */
+#ifndef SERVICE_JUDGE_H
+#define SERVICE_JUDGE_H
+
+#include "service/format.h"
+
+#include "dtf.h"
+
+#include <string>
+
+namespace service {
+
+/* The text of a tree, whose root has no tag. */
+std::string write_document(const dtf_datatree &tree, document_format format);
+
+/* Judges a native document, given as tree and as text. Throws device::invalid_document; `name` is the document's. */
+void judge_native(const dtf_datatree &native, const std::string &text, document_format format, const std::string &name);
+
+/* How much of the data a reply was asked for. */
+enum class reply_extent { whole, part };
+
+/*
+ * Judges a reply: as a complete tree where it is the whole and every monitor has the configuration that its key refers
+ * to, else its names, types and keys. Throws device::invalid_document.
+ */
+void judge_reply(const dtf_datatree &reply, reply_extent extent, const std::string &text, document_format format);
+
+} // namespace service
+
+#endif
