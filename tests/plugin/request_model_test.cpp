@@ -252,16 +252,16 @@ outcome run(uint32_t seed, request_case &c, const failing &fail, bool by_model, 
     return result;
 }
 
-/* "" or what differs, with what came before it. */
+/* What differs, with what came before it and what repeats it. */
 std::string difference(uint32_t seed, request_case c, const failing &fail)
 {
     const outcome plugin = run(seed, c, fail, false, true), expected = run(seed, c, fail, true, true);
     std::size_t i = 0;
     while (i < plugin.lines.size() && i < expected.lines.size() && plugin.lines[i] == expected.lines[i])
         ++i;
-    std::string text =
-        recording::printed("seed %u, call %zu fails%s with %x, kind %u, %s\n", seed, fail.at,
-                           fail.on ? " and all after" : "", fail.code, c.kind, all_nodes[c.start].path.c_str());
+    std::string text = recording::printed("seed %u, call %zu fails%s with %x, kind %u, %s %s\n", seed, fail.at,
+                                          fail.on ? " and all after" : "", fail.code, c.kind,
+                                          all_nodes[c.start].path.c_str(), c.tree.c_str());
     for (std::size_t before = i < 25 ? 0 : i - 25; before < i; ++before)
         text += "  " + plugin.lines[before] + '\n';
     return text + "is       " + (i < plugin.lines.size() ? plugin.lines[i] : "nothing") + "\nexpected " +
