@@ -61,7 +61,7 @@ TEST(document_limits, depth)
     on_small_stack([&refusal] {
         for (const auto &document : {deep_xml(500), deep_json(500)})
             EXPECT_EQ(levels_read(document), 500u);
-        for (const std::size_t levels : {501, 100'000})
+        for (const std::size_t levels : {std::size_t{501}, std::size_t{100'000}})
             for (const auto &document : {deep_xml(levels), deep_json(levels)})
                 EXPECT_EQ(parsed(document, document_use::edit), refusal) << levels;
         /* Not even well-formed, in ways of their own. */

@@ -8,10 +8,9 @@ void append(std::string &text, const dtf_datatree &node, std::size_t level)
 {
     const bool has_value = (node.flags & DTF_FLAG_HAS_VALUE) != 0;
     const bool has_children = (node.flags & DTF_FLAG_HAS_SUBTREE) != 0;
-    EXPECT_NE(node.flags & DTF_FLAG_VALID, 0u);
-    EXPECT_EQ(has_value, node.value != nullptr);
-    EXPECT_EQ(has_children, node.child_count > 0);
-    EXPECT_EQ(has_children, node.children != nullptr);
+    const bool agree = has_value == (node.value != nullptr) && has_children == (node.child_count > 0) &&
+                       has_children == (node.children != nullptr);
+    EXPECT_TRUE(agree && (node.flags & DTF_FLAG_VALID) != 0) << text;
     if (node.tag != nullptr) {
         text += std::string(2 * level, ' ') + node.tag + " {" + (node.ns == nullptr ? "" : node.ns) + "}";
         text += has_value ? " = '" + std::string(node.value) + "'" : "";
