@@ -72,6 +72,31 @@ std::optional<dtf_datatree> request_of(const dtf_datatree &node, const schema_no
     return request;
 }
 
+/*
+ * The named entries of a request together, each other one in a request of its own: only in a request that names no
+ * monitor does the plug-in ask for all of them.
+ */
+void add_requests(std::vector<dtf_datatree> &requests, const dtf_datatree &request, framework::arena &memory)
+{
+    const auto is_named = [](const dtf_datatree &entry) { return !leaf_value(entry, "name").empty(); };
+    const auto entries = children_of(request);
+    if (entries.size() < 2 || std::ranges::all_of(entries, is_named)) {
+        requests.push_back(request);
+        return;
+    }
+    dtf_datatree named = bare(request);
+    for (const dtf_datatree &entry : entries) {
+        if (is_named(entry)) {
+            framework::add_child(memory, named) = entry;
+            continue;
+        }
+        requests.push_back(bare(request));
+        framework::add_child(memory, requests.back()) = entry;
+    }
+    if (!children_of(named).empty())
+        requests.push_back(named);
+}
+
 } // namespace
 
 std::vector<dtf_datatree> requests_of(const dtf_datatree &filter, framework::arena &memory)
@@ -82,7 +107,7 @@ std::vector<dtf_datatree> requests_of(const dtf_datatree &filter, framework::are
         if (!is_ours(top) || std::string_view(top.tag) != top_tag)
             continue;
         if (const auto request = request_of(top, facts, memory))
-            requests.push_back(*request);
+            add_requests(requests, *request, memory);
     }
     return requests;
 }

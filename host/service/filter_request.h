@@ -21,6 +21,7 @@ namespace service {
  *   - A content match that stands in a container of a list entry narrows what is fetched to the entries that match.
  *     That is right only as long as nothing else is asked of the others: beside a sibling, the container is asked for
  *     as a whole.
+ *   - An entry that names no monitor is a request of its own, for only such a request is one for all monitors.
  */
 std::vector<dtf_datatree> requests_of(const dtf_datatree &filter, framework::arena &memory);
 
