@@ -34,13 +34,28 @@ bool is_config_wrapper(const dtf_datatree &node)
     return std::string_view(node.tag) == "config" && node.ns != nullptr && std::string_view(node.ns) == "ietf-netconf";
 }
 
+/* What is around the container hides its schema from the reader, so list keys took over operations as other leaves do.
+ */
+void free_keys(const dtf_datatree &monitors)
+{
+    for (const dtf_datatree &entry : children_of(monitors)) {
+        dtf_datatree *const key = framework::find_child(entry, "name");
+        if (key != nullptr && (key->flags & DTF_FLAG_OP_SET) == 0)
+            key->operation = 0;
+    }
+}
+
 /* The edit's one top container; null where the document holds none. */
 dtf_datatree *monitors_in(const dtf_datatree &document)
 {
     dtf_datatree *found = nullptr;
     for (dtf_datatree &top : children_of(document)) {
-        if (is_config_wrapper(top) && document.child_count == 1)
-            return monitors_in(top);
+        if (is_config_wrapper(top) && document.child_count == 1) {
+            dtf_datatree *const monitors = monitors_in(top);
+            if (monitors != nullptr)
+                free_keys(*monitors);
+            return monitors;
+        }
         const std::string path = std::string("/") + top.tag;
         if (top.ns == nullptr || framework::find_module_by_namespace(top.ns) == nullptr)
             throw application_error("unknown-namespace", path,

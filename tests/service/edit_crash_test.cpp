@@ -1,0 +1,203 @@
+/*
+ * Edits whose process dies, edits by several processes at once, and edits that the disk has no room for.
+ *
+ * The state is a number: bit n is set when monitor n is configured. One edit replaces all monitors, so that a mixture
+ * of two states is another number, and so is the state that an acknowledged edit is missing from.
+ */
+#include "edit_device.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <functional>
+#include <random>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr unsigned states = 64;
+
+std::string entry(std::size_t monitor, const std::string &attributes = "")
+{
+    return "<channel-monitor" + attributes + "><name>" + edits::monitors[monitor] + "</name></channel-monitor>";
+}
+
+std::string edit_to(unsigned state)
+{
+    std::string entries;
+    for (std::size_t n = 0; n < edits::monitors.size(); ++n)
+        entries += (state >> n & 1) != 0 ? entry(n) : "";
+    return edits::document(entries, R"( nc:operation="replace")");
+}
+
+unsigned state_of(const edits::records &records)
+{
+    unsigned state = 0;
+    for (std::size_t n = 0; n < edits::controllers.size(); ++n)
+        state |= records.contains(device::interface_key("act", edits::controllers[n])) ? 1U << n : 0U;
+    return state;
+}
+
+/* Runs `work` in a process of its own, which it never leaves but by its end. */
+pid_t start(const std::function<void()> &work)
+{
+    const pid_t child = ::fork();
+    if (child != 0)
+        return child;
+    try {
+        work();
+    } catch (const std::exception &failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        ::_exit(1);
+    }
+    ::_exit(0);
+}
+
+/* The child's exit status, -1 for one that was killed. */
+int finish(pid_t child)
+{
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+/* No process holds the store between the steps: each opens it for itself, and a fork must not carry it over. */
+class crash : public testing::Test
+{
+  protected:
+    crash()
+    {
+        device::folder device = device::folder::create(path_);
+        edits::fill(device);
+        foreign_ = edits::stored(device);
+    }
+
+    /* The state, once everything else was found to be as it was. */
+    unsigned state() const
+    {
+        device::folder device = device::folder::open(path_);
+        edits::records now = edits::stored(device);
+        const unsigned found = state_of(now);
+        for (const std::string &controller : edits::controllers)
+            now.erase(device::interface_key("act", controller));
+        EXPECT_EQ(now, foreign_);
+        return found;
+    }
+
+    temporary_folder folder_;
+    std::filesystem::path path_ = folder_.path / "device";
+    edits::records foreign_;
+};
+
+/* How often the editing process is killed: more for a soak. */
+int kills()
+{
+    const char *const wanted = std::getenv("CHMON_KILLS");
+    return wanted == nullptr ? 200 : std::atoi(wanted);
+}
+
+TEST_F(crash, killed_at_any_moment_the_store_is_old_or_new)
+{
+    std::mt19937 random(1);
+    std::uniform_int_distribution<int> delay(0, 20000); /* microseconds */
+    unsigned before = state(), mid_edit = 0, acknowledged = 0;
+    for (int round = 0; round < kills(); ++round) {
+        int ends[2];
+        ASSERT_EQ(::pipe(ends), 0);
+        const pid_t editor = start([&] {
+            const service::plugin mapper;
+            device::folder device = device::folder::open(path_);
+            for (unsigned next = before;;) {
+                next = (next + 1) % states;
+                edits::edit(mapper, device, folder_.path, edit_to(next));
+                if (::write(ends[1], "", 1) != 1)
+                    return;
+            }
+        });
+        ::close(ends[1]);
+        char byte;
+        ASSERT_EQ(::read(ends[0], &byte, 1), 1) << "round " << round << ": no edit succeeded";
+        unsigned done = 1;
+        ::usleep(static_cast<useconds_t>(delay(random)));
+        ::kill(editor, SIGKILL);
+        EXPECT_EQ(finish(editor), -1);
+        while (::read(ends[0], &byte, 1) == 1)
+            ++done;
+        ::close(ends[0]);
+        const unsigned now = state();
+        const unsigned ahead = (now + states - (before + done) % states) % states;
+        ASSERT_LE(ahead, 1U) << "round " << round << ": " << done << " edits acknowledged from state " << before
+                             << ", found " << now;
+        mid_edit += ahead;
+        acknowledged += done;
+        before = now;
+    }
+    std::printf("kills=%d acknowledged=%u committed_unacknowledged=%u\n", kills(), acknowledged, mid_edit);
+}
+
+TEST_F(crash, writers_take_turns_and_readers_see_one_state)
+{
+    constexpr int rounds = 40;
+    /* Writer w configures and removes the two monitors of slot w + 1 in one edit each. */
+    const auto writer = [&](std::size_t slot) {
+        return start([this, slot] {
+            const service::plugin mapper;
+            device::folder device = device::folder::open(path_);
+            const temporary_folder own;
+            for (int round = 0; round < rounds; ++round) {
+                const std::string operation = round % 2 == 0 ? "create" : "delete";
+                const std::string attribute = " nc:operation=\"" + operation + "\"";
+                const auto changes =
+                    edits::edit(mapper, device, own.path,
+                                edits::document(entry(2 * slot, attribute) + entry(2 * slot + 1, attribute)));
+                if (changes.size() != 2)
+                    throw std::runtime_error("an edit made " + std::to_string(changes.size()) + " changes");
+            }
+        });
+    };
+    const auto reader = [&] {
+        return start([this] {
+            device::folder device = device::folder::open(path_);
+            for (int look = 0; look < 500; ++look) {
+                const unsigned state = state_of(edits::stored(device));
+                if ((state & 0b010101) != (state >> 1 & 0b010101))
+                    throw std::runtime_error("half an edit was seen");
+            }
+        });
+    };
+    std::vector<pid_t> processes;
+    for (std::size_t slot = 0; slot < 3; ++slot)
+        processes.push_back(writer(slot));
+    for (int n = 0; n < 3; ++n)
+        processes.push_back(reader());
+    for (const pid_t process : processes)
+        EXPECT_EQ(finish(process), 0);
+    EXPECT_EQ(state(), 0U) << "every create was followed by a delete";
+}
+
+TEST_F(crash, no_room_on_the_disk_is_one_clear_error)
+{
+    const pid_t editor = start([&] {
+        const service::plugin mapper;
+        device::folder device = device::folder::open(path_);
+        std::ofstream(folder_.path / "edit.xml") << edit_to(5);
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{8192, 8192}; /* the store's first two pages */
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        service::edit_options options;
+        options.document = folder_.path / "edit.xml";
+        try {
+            service::edit_device(mapper, device, options);
+        } catch (const service::netconf_error &error) {
+            ::_exit(error.tag() == "resource-denied" ? 42 : 43);
+        }
+    });
+    EXPECT_EQ(finish(editor), 42);
+    EXPECT_EQ(state(), 0U);
+}
+
+} // namespace
