@@ -14,7 +14,7 @@
 namespace framework {
 
 struct name_entry {
-    std::string_view text;   /* the name as written: "tag", "prefix:tag" or "module:tag" */
+    std::string_view text;   /* as written, NUL-terminated: "tag", "prefix:tag" or "module:tag" */
     std::string_view prefix; /* before the colon; empty without one */
     const char *tag;         /* behind it; the same pointer for all names of that tag */
     const char *ns;          /* of the prefix as a module name (JSON); null without prefix */

@@ -217,7 +217,7 @@ void xml_reader::end_element()
 
 const name_entry &xml_reader::find_name(const char *name)
 {
-    if (names_.guess()->text == name)
+    if (std::strcmp(names_.guess()->text.data(), name) == 0)
         return *names_.take_guess();
     const name_entry *const entry = names_.find(name);
     if (entry == nullptr)

@@ -36,8 +36,8 @@ bool equal_ignoring_case(std::string_view a, std::string_view b)
 /* The encoding that an XML declaration names; empty without one. */
 std::string_view declared_encoding(std::string_view text)
 {
-    const std::size_t start = text.find("<?xml");
-    if (start == std::string_view::npos || start > 3) /* at the very beginning, or behind a byte order mark */
+    const std::size_t start = text.starts_with("\xef\xbb\xbf") ? 3 : 0;
+    if (!text.substr(start).starts_with("<?xml"))
         return {};
     const std::string_view declaration = text.substr(start, text.find("?>") - start);
     std::size_t at = declaration.find("encoding");
