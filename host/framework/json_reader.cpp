@@ -32,6 +32,13 @@ const char *string_end(const char *text, bool &has_escapes)
     return text;
 }
 
+/* A number, word or bracket as it stands in the text; a string with its quotes. */
+std::string_view token_of(ondemand::value &value)
+{
+    const std::string_view token = value.raw_json_token();
+    return token.substr(0, token.find_last_not_of(" \t\r\n") + 1);
+}
+
 class json_reader
 {
   public:
@@ -246,12 +253,11 @@ void json_reader::open_object(ondemand::object object, const char *ns)
 void json_reader::read_scalar(ondemand::value value, const name_entry &name, const char *ns)
 {
     dtf_datatree &leaf = builder_.add(name.tag, ns);
-    std::string_view token = value.raw_json_token();
+    const std::string_view token = token_of(value);
     if (token.front() == '"') {
         read_string(value, leaf);
         return;
     }
-    token = token.substr(0, token.find_last_not_of(" \t\r\n") + 1);
     if (token == "null")
         read_null(leaf);
     else if (token == "true" || token == "false" || is_json_number(token))
@@ -311,7 +317,7 @@ void json_reader::read_annotation(std::string_view target, ondemand::value value
     std::uint32_t index = 0;
     for (auto element : take(value.get_array())) {
         ondemand::value one = take(element);
-        if (one.raw_json_token().front() == '{')
+        if (token_of(one) != "null")
             annotate(name, index, read_operation(one));
         ++index;
     }

@@ -79,6 +79,7 @@ constexpr refused_document refused[] = {
     {edit, "{\"m:a\": {\"@\": {\"ietf-netconf:operation\": \"move\"}}}", "doc: /a: unknown edit operation 'move'"},
     {edit, "{\"m:a\": {\"@\": {\"ietf-origin:origin\": \"x\"}}}", "doc: /a: unknown annotation 'ietf-origin:origin'"},
     {edit, "{\"m:a\": {\"@b\": {\"ietf-netconf:operation\": \"merge\"}}}", "doc: /a: '@b' annotates no member"},
+    {edit, "{\"m:a\": {\"b\": [1], \"@b\": [[]]}}", "doc: /a: an annotation is a JSON object"},
     {edit, "{\"@\": {\"ietf-netconf:operation\": \"merge\"}}", "an annotation of the document itself"},
 };
 
