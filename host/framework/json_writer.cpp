@@ -1,6 +1,5 @@
 #include "json_writer.h"
 
-#include "edit_operations.h"
 #include "json_text.h"
 #include "schema_facts.h"
 #include "text_sink.h"
@@ -95,13 +94,10 @@ class json_writer
     void write_array(siblings run, const schema_node *facts, std::size_t level);
     void write_node(const dtf_datatree &node, const schema_node *facts, std::size_t level);
     void write_value(const char *value, const schema_node *facts);
-    void write_leaf_operations(siblings run, const schema_node *facts, const scope &in);
-    void write_operation(const dtf_datatree &node);
+    void write_leaf_notes(siblings run, const schema_node *facts, const scope &in);
+    void write_notes(const dtf_datatree &node);
 
-    bool has_operation(const dtf_datatree &node) const
-    {
-        return options_.operations && (node.flags & DTF_FLAG_OP_SET) != 0;
-    }
+    bool has_notes(const dtf_datatree &node) const { return options_.notes && !options_.notes(node).empty(); }
     void begin_line(std::size_t level)
     {
         if (!options_.pretty)
@@ -145,12 +141,12 @@ void json_writer::write_document(const dtf_datatree &root)
 void json_writer::write_object(const dtf_datatree &node, const schema_node *facts, std::size_t level)
 {
     const siblings below = children_of(node);
-    const bool annotated = has_operation(node);
+    const bool annotated = has_notes(node);
     sink_.put("{");
     if (annotated) {
         begin_line(level + 1);
         sink_.put(options_.pretty ? "\"@\": " : "\"@\":");
-        write_operation(node);
+        write_notes(node);
     }
     write_members(below, {&node, facts, level + 1}, !annotated);
     if (annotated || !below.empty())
@@ -181,10 +177,10 @@ void json_writer::write_member(siblings run, const scope &in)
         write_array(run, facts, in.level);
     else
         write_node(run[0], facts, in.level);
-    const bool annotated = std::ranges::any_of(
-        run, [&](const dtf_datatree &node) { return has_operation(node) && !is_object(node, facts); });
+    const bool annotated =
+        std::ranges::any_of(run, [&](const dtf_datatree &node) { return has_notes(node) && !is_object(node, facts); });
     if (annotated)
-        write_leaf_operations(run, facts, in);
+        write_leaf_notes(run, facts, in);
 }
 
 /* The member name; the mark "@" makes it that of an annotation. */
@@ -248,33 +244,43 @@ void json_writer::write_value(const char *value, const schema_node *facts)
 
 /* The annotation of a leaf stands beside it; that of a run is an array, with null for those without (or with their own
  * inside). */
-void json_writer::write_leaf_operations(siblings run, const schema_node *facts, const scope &in)
+void json_writer::write_leaf_notes(siblings run, const schema_node *facts, const scope &in)
 {
     sink_.put(",");
     begin_line(in.level);
     write_name(run[0], in, "@");
     if (run.size() == 1) {
-        write_operation(run[0]);
+        write_notes(run[0]);
         return;
     }
     sink_.put("[");
     for (const dtf_datatree &node : run) {
         if (&node != &run[0])
             sink_.put(",");
-        if (has_operation(node) && !is_object(node, facts))
-            write_operation(node);
+        if (has_notes(node) && !is_object(node, facts))
+            write_notes(node);
         else
             sink_.put("null");
     }
     sink_.put("]");
 }
 
-void json_writer::write_operation(const dtf_datatree &node)
+void json_writer::write_notes(const dtf_datatree &node)
 {
-    sink_.put("{\"ietf-netconf:operation\":");
-    sink_.put(options_.pretty ? " \"" : "\"");
-    sink_.put(operation_word(node.operation));
-    sink_.put("\"}");
+    const node_notes notes = options_.notes(node);
+    const auto put_note = [this](std::string_view name, std::string_view text) {
+        sink_.put(name);
+        sink_.put(options_.pretty ? ": " : ":");
+        put_json_string(sink_, std::string(text).c_str());
+    };
+    sink_.put("{");
+    if (!notes.operation.empty())
+        put_note("\"ietf-netconf:operation\"", notes.operation);
+    if (!notes.operation.empty() && !notes.source.empty())
+        sink_.put(options_.pretty ? ", " : ",");
+    if (!notes.source.empty())
+        put_note("\"chmon:source\"", notes.source);
+    sink_.put("}");
 }
 
 } // namespace

@@ -3,14 +3,15 @@
 #define FRAMEWORK_JSON_WRITER_H
 
 #include "dtf.h"
+#include "node_notes.h"
 
 #include <string>
 
 namespace framework {
 
 struct json_write_options {
-    bool pretty = true;      /* a line per member, two columns per level, a line end after the last */
-    bool operations = false; /* annotations (RFC 7952) for nodes with DTF_FLAG_OP_SET */
+    bool pretty = true; /* a line per member, two columns per level, a line end after the last */
+    note_teller notes;  /* what stands beside nodes, as annotations (RFC 7952); without it nothing does */
 };
 
 /*

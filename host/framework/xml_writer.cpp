@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
 namespace framework {
 
@@ -31,9 +32,17 @@ class xml_writer
     void write_document(const dtf_datatree &root);
 
   private:
+    /* Which of the prefixes of notes a tree needs. */
+    struct prefixes {
+        bool nc;
+        bool chmon;
+    };
+
     void write_wrapped(const dtf_datatree &root);
     void write_element(const dtf_datatree &node, const char *ns_above, std::size_t level);
     void write_attributes(const dtf_datatree &node, const char *ns_above);
+    void write_notes(const dtf_datatree &node);
+    prefixes prefixes_below(const dtf_datatree &node) const;
     void write_value(std::string_view value);
     void write_attribute(std::string_view name, const char *text);
     void write_text(const char *text);
@@ -47,6 +56,7 @@ class xml_writer
 
     text_sink sink_;
     const xml_write_options &options_;
+    bool is_first_ = true;
 };
 
 bool has_children(const dtf_datatree &node) { return (node.flags & DTF_FLAG_HAS_SUBTREE) != 0 && node.child_count > 0; }
@@ -98,10 +108,36 @@ void xml_writer::write_attributes(const dtf_datatree &node, const char *ns_above
 {
     if (!same_namespace(node.ns, ns_above))
         write_attribute("xmlns", node.ns == nullptr ? "" : node.ns);
-    if (options_.operations && (node.flags & DTF_FLAG_OP_SET) != 0) {
-        write_attribute("xmlns:nc", netconf_namespace.data());
-        write_attribute("nc:operation", operation_word(node.operation).data());
+    if (options_.notes)
+        write_notes(node);
+}
+
+/* The first element declares the prefixes for all. */
+void xml_writer::write_notes(const dtf_datatree &node)
+{
+    if (std::exchange(is_first_, false)) {
+        const prefixes used = prefixes_below(node);
+        if (used.nc)
+            write_attribute("xmlns:nc", netconf_namespace.data());
+        if (used.chmon)
+            write_attribute("xmlns:chmon", source_namespace.data());
     }
+    const node_notes notes = options_.notes(node);
+    if (!notes.operation.empty())
+        write_attribute("nc:operation", std::string(notes.operation).c_str());
+    if (!notes.source.empty())
+        write_attribute("chmon:source", std::string(notes.source).c_str());
+}
+
+xml_writer::prefixes xml_writer::prefixes_below(const dtf_datatree &node) const
+{
+    const node_notes notes = options_.notes(node);
+    prefixes used{!notes.operation.empty(), !notes.source.empty()};
+    for (std::uint32_t i = 0; has_children(node) && i < node.child_count; ++i) {
+        const prefixes below = prefixes_below(node.children[i]);
+        used = {used.nc || below.nc, used.chmon || below.chmon};
+    }
+    return used;
 }
 
 void xml_writer::write_attribute(std::string_view name, const char *text)

@@ -3,14 +3,15 @@
 #define FRAMEWORK_XML_WRITER_H
 
 #include "dtf.h"
+#include "node_notes.h"
 
 #include <string>
 
 namespace framework {
 
 struct xml_write_options {
-    bool pretty = true;      /* a line per element, two columns per level, a line end after the last */
-    bool operations = false; /* nc:operation on nodes with DTF_FLAG_OP_SET */
+    bool pretty = true; /* a line per element, two columns per level, a line end after the last */
+    note_teller notes;  /* what stands beside nodes, as attributes; without it nothing does */
 };
 
 /*

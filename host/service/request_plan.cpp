@@ -87,9 +87,7 @@ std::string plan_document(const plugin &mapper, const plan_options &options)
     const request_plan plan(mapper, request, options.kind, memory, options.walks);
     if (children_of(plan.native()).empty())
         note(options.walks, "the request concerns no native data");
-    const auto format = options.format.value_or(written_as);
-    return format == framework::document_format::xml ? plan_xml(plan.native(), &plan.walk())
-                                                     : plan_json(plan.native(), &plan.walk());
+    return plan_text(plan, options.format.value_or(written_as));
 }
 
 } // namespace service

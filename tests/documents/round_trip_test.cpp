@@ -110,11 +110,11 @@ void expect_round_trips(const dtf_datatree &root, document_use use, const std::s
     const std::string tree = tree_text(root);
     for (const bool pretty : {true, false}) {
         std::string xml = "kept";
-        write_xml(xml, root, {pretty, use == document_use::edit});
+        write_xml(xml, root, {pretty, use == document_use::edit ? note_teller(explicit_operation) : note_teller()});
         ASSERT_TRUE(xml.starts_with("kept<"));
         EXPECT_EQ(difference(parsed(xml.substr(4), use), tree), "") << what << " as XML";
         std::string json;
-        write_json(json, root, {pretty, use == document_use::edit});
+        write_json(json, root, {pretty, use == document_use::edit ? note_teller(explicit_operation) : note_teller()});
         EXPECT_EQ(difference(parsed(json, use), tree), "") << what << " as JSON";
     }
 }
@@ -226,7 +226,7 @@ TEST(documents, members_of_one_name_are_put_together)
             document += "<t" + std::to_string(i) + ">2</t" + std::to_string(i) + ">";
         arena memory;
         std::string json;
-        write_json(json, parse_document(make_document_text(document + "</a>", "doc"), memory), {false, false});
+        write_json(json, parse_document(make_document_text(document + "</a>", "doc"), memory), {false, {}});
         EXPECT_EQ(json, "{\"m:a\":{" + together + "}}");
     }
 }
@@ -238,8 +238,8 @@ TEST(documents, what_is_no_text_comes_out_as_a_replacement)
     leaf.value = "\x01|\xc3|\xed\xa0\x80|\xc0\xaf|\xf5|\xe2\x82";
     leaf.flags = DTF_FLAG_VALID | DTF_FLAG_HAS_VALUE;
     std::string xml, json;
-    write_xml(xml, leaf, {false, false});
-    write_json(json, leaf, {false, false});
+    write_xml(xml, leaf, {false, {}});
+    write_json(json, leaf, {false, {}});
     const std::string r = "\xef\xbf\xbd";
     const std::string rest = "|" + r + "|" + r + r + r + "|" + r + r + "|" + r + "|" + r + r;
     EXPECT_EQ(xml, "<a>" + r + rest + "</a>");
