@@ -4,7 +4,8 @@
 usage: run.py --chmon PROGRAM [--floor N] [--write] CASES-FOLDER|DOCUMENT.md ...
 
 A case is a folder, at any depth, that holds a file `command`: one command line of chmon per line, quoted as in a shell,
-without the program's name ("< FILE" at its end gives standard input; lines with # are remarks). They run one after the
+without the program's name ("< FILE" at its end gives standard input, NAME=VALUE before it the environment; lines with #
+are remarks). They run one after the
 other in a scratch copy of the folder, in which `examples` and `shared` lead to the examples and to tests/golden/shared.
 
     expected        what they print on standard output, all together; without it they must print nothing
@@ -22,6 +23,7 @@ What differs from run to run in the plug-in's reports, a context's address and t
 
 import argparse
 import difflib
+import itertools
 import os
 import pathlib
 import re
@@ -53,13 +55,15 @@ def make_scratch(folder, into):
 def run_line(program, line, scratch, error):
     """Runs one command line; `error` is where its standard error goes. Returns status, output, error."""
     words = shlex.split(line)
+    variables = dict(word.split("=", 1) for word in itertools.takewhile(lambda word: re.match(r"[A-Z_]+=", word), words))
+    words = words[len(variables) :]
     source = os.devnull
     if len(words) > 1 and words[-2] == "<":
         source = scratch / words[-1]
         words = words[:-2]
     with open(source, "rb") as stream:
-        done = subprocess.run([program, *words], cwd=scratch, env=environment(), stdin=stream, stdout=subprocess.PIPE,
-                              stderr=error, timeout=TIME_LIMIT, check=False)
+        done = subprocess.run([program, *words], cwd=scratch, env={**environment(), **variables}, stdin=stream,
+                              stdout=subprocess.PIPE, stderr=error, timeout=TIME_LIMIT, check=False)
     decode = lambda data: (data or b"").decode("utf-8", "backslashreplace")
     return done.returncode, decode(done.stdout), decode(done.stderr)
 
