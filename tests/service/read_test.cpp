@@ -183,7 +183,7 @@ TEST_F(reading, NoFilterMissesWhatWasNotFetched)
         framework::arena whole_memory;
         const dtf_datatree whole = service::read(mapper_, state, nullptr, kind, whole_memory, {}, &costs_);
         const std::uint64_t everything = costs_.records;
-        for (unsigned seed = 0; seed < 400; ++seed) {
+        for (unsigned seed = 0; seed < 250; ++seed) {
             memory_ = framework::arena();
             const std::string monitors = filter_maker(seed).monitors();
             const dtf_datatree filter = parse(monitors);
