@@ -6,9 +6,7 @@
 #include "service/walk.h"
 #include "service/wrong_model.h"
 
-#include "framework/json_writer.h"
 #include "framework/schema_facts.h"
-#include "framework/xml_writer.h"
 
 #include "oc_chmon.h"
 
