@@ -120,7 +120,7 @@ void set_up(host &h, dice &d, request_case &c)
     if (d.one_in(3))
         disturb(d, h);
     if (d.one_in(8)) {
-        h.state.expand_mode = d(2);
+        h.state.expand_mode = d.pick({0u, 1u, 1u, 2u});
         h.state.delete_walk = d(3);
         h.state.filter_flags = d.pick({0u, 1u, 2u, 4u, 5u, 0x10007u, 0xffffffffu});
         h.state.req_flags = d.pick({0u, 0x40u, 0x80u, 0x1c0u});
