@@ -20,6 +20,9 @@ constexpr MDB_dbi max_tables = 32;
 /* Room for processes reading at once; the lock file has 64 bytes for each. */
 constexpr unsigned int max_readers = 1022;
 
+/* Bytes of a lock file for so many readers: 64 each, and as much again for its head as for two or three. */
+constexpr std::size_t lock_file_size = 64 * (max_readers + 2);
+
 /* An LMDB transaction that ends with its scope, for work on the tables themselves. */
 class scoped_txn
 {
@@ -107,6 +110,8 @@ void database::open_environment(std::size_t map_size, opening how)
     check_store(file(), "open", mdb_env_set_maxdbs(env, max_tables));
     check_store(file(), "open", mdb_env_set_maxreaders(env, max_readers));
     check_store(file(), "open", mdb_env_set_mapsize(env, map_size));
+    if (how != opening::anonymous)
+        file_.reserve_lock_file(lock_file_size);
     /* MDB_NOTLS: a read transaction belongs to its object, so that one thread can hold several. */
     const unsigned int private_file = how == opening::anonymous ? MDB_NOLOCK | MDB_NOSYNC : 0;
     check_store(file(), "open", mdb_env_open(env, file_.path().c_str(), MDB_NOSUBDIR | MDB_NOTLS | private_file, 0640));

@@ -87,6 +87,16 @@ void store_file::resize(std::size_t size)
         throw_store_error(name_, "fill up the file", errno);
 }
 
+void store_file::reserve_lock_file(std::size_t size) const
+{
+    const int descriptor = open_file(path_ + "-lock", true);
+    if (descriptor < 0)
+        return; /* LMDB meets the same and says so */
+    const int code = posix_fallocate(descriptor, 0, static_cast<off_t>(size));
+    ::close(descriptor);
+    check_store(name_, "reserve its lock file", code);
+}
+
 void store_file::sync_folder() const
 {
     const std::filesystem::path folder = std::filesystem::path(path_).parent_path();

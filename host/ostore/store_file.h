@@ -34,6 +34,11 @@ class store_file
     std::size_t size() const;
     /* Makes the file `size` bytes long, zeros in what is new. */
     void resize(std::size_t size);
+    /*
+     * Gives LMDB's lock file, which lies beside the file, `size` bytes that the disk really has: LMDB maps the file,
+     * and on a full disk a process that writes to a hole in a map is killed. For before LMDB opens the file.
+     */
+    void reserve_lock_file(std::size_t size) const;
     /* Brings the file's entry in its folder to the disk. */
     void sync_folder() const;
 
