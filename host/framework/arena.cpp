@@ -1,7 +1,6 @@
 #include "arena.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace framework {
@@ -11,7 +10,6 @@ namespace {
 /* Blocks double from the first size to the last one: a small request stays small, a large one costs few blocks. */
 constexpr std::size_t first_block = std::size_t{16} << 10;
 constexpr std::size_t last_block = std::size_t{1} << 20;
-constexpr std::size_t alignment = alignof(std::max_align_t);
 
 } // namespace
 
@@ -28,35 +26,7 @@ arena &arena::operator=(arena &&other) noexcept
     return *this;
 }
 
-void *arena::allocate(std::size_t size)
-{
-    /* Texts leave the next byte anywhere, so objects align it first. Blocks themselves come aligned from new[]. */
-    const std::size_t skew = reinterpret_cast<std::uintptr_t>(next_) % alignment;
-    const std::size_t padding = skew == 0 ? 0 : alignment - skew;
-    if (size + padding > left_)
-        return take(size);
-    return take(size + padding) + padding;
-}
-
-const char *arena::copy(std::string_view text)
-{
-    std::byte *const bytes = take(text.size() + 1);
-    if (!text.empty())
-        std::memcpy(bytes, text.data(), text.size());
-    bytes[text.size()] = std::byte{0};
-    return reinterpret_cast<const char *>(bytes);
-}
-
 void arena::keep(std::shared_ptr<const void> buffer) { kept_.push_back(std::move(buffer)); }
-
-std::byte *arena::take(std::size_t size)
-{
-    used_ += size;
-    if (size > left_)
-        return open_block(size);
-    left_ -= size;
-    return std::exchange(next_, next_ + size);
-}
 
 /* A large piece gets a block of its own, so that the rest of the current block is not lost to it. */
 std::byte *arena::open_block(std::size_t size)

@@ -8,6 +8,8 @@
 #include "dtf.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -47,6 +49,8 @@ class arena
     std::byte *take(std::size_t size);
     std::byte *open_block(std::size_t size);
 
+    static constexpr std::size_t alignment = alignof(std::max_align_t);
+
     std::byte *next_ = nullptr;
     std::size_t left_ = 0;
     std::size_t used_ = 0;
@@ -54,6 +58,37 @@ class arena
     std::vector<std::unique_ptr<std::byte[]>> blocks_;
     std::vector<std::shared_ptr<const void>> kept_;
 };
+
+/* The next three run once per node and text: inline, so that a tree costs no calls as long as a block lasts. */
+
+inline std::byte *arena::take(std::size_t size)
+{
+    used_ += size;
+    if (size > left_)
+        return open_block(size);
+    left_ -= size;
+    std::byte *const taken = next_;
+    next_ += size;
+    return taken;
+}
+
+inline void *arena::allocate(std::size_t size)
+{
+    /* Texts leave the next byte anywhere, so objects align it first. Blocks themselves come aligned from new[]. */
+    const std::size_t padding = -reinterpret_cast<std::uintptr_t>(next_) % alignment;
+    if (size + padding > left_)
+        return take(size);
+    return take(size + padding) + padding;
+}
+
+inline const char *arena::copy(std::string_view text)
+{
+    std::byte *const bytes = take(text.size() + 1);
+    if (!text.empty())
+        std::memcpy(bytes, text.data(), text.size());
+    bytes[text.size()] = std::byte{0};
+    return reinterpret_cast<const char *>(bytes);
+}
 
 } // namespace framework
 

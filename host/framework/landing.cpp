@@ -84,7 +84,8 @@ landed landing::add(const parsed_path &path, const addition &what)
     const std::size_t length = path.segments.size();
     const bool names_entry = what.new_list_entry || path.closing_slash;
     const char *const value = what.value == nullptr || names_entry ? nullptr : memory_->copy(what.value);
-    position here = start_of(path, what.new_list_entry ? length - 1 : length);
+    position here;
+    enter_start(here, path, what.new_list_entry ? length - 1 : length);
     while (here.depth < length && path.segments[here.depth].list == nullptr &&
            enter_existing(here, path.segments[here.depth].tag)) {
     }
@@ -99,7 +100,7 @@ landed landing::add(const parsed_path &path, const addition &what)
     give_value(*here.node, keeps_key ? nullptr : value, what);
     give_operation(*here.node, what);
     if (result.created && what.entry_operation != 0 && path.segments.back().is_key)
-        give_entry_operation(*descend(out_, here.steps.data(), length - 1), what.entry_operation);
+        give_entry_operation(node_at(here, length - 1), what.entry_operation);
     if (result.created && path.segments.back().is_key && (here.node->flags & DTF_FLAG_HAS_VALUE) != 0)
         result.keyed_entry = take_awaiting(*path.segments[length - 2].list);
     return result;
@@ -109,24 +110,36 @@ landed landing::add(const parsed_path &path, const addition &what)
  * The entry to start from: the deepest on the path among those of the innermost frame that has any. Entries of frames
  * further out may belong to another entry of a list above. At most the first `limit` segments are passed that way.
  */
-landing::position landing::start_of(const parsed_path &path, std::size_t limit)
+void landing::enter_start(position &here, const parsed_path &path, std::size_t limit)
 {
-    position start;
-    start.node = out_;
-    for (std::size_t i = open_; i-- > 0 && start.depth == 0;) {
-        entry_place *deepest = nullptr;
+    entry_place *deepest = nullptr;
+    for (std::size_t i = open_; i-- > 0 && deepest == nullptr;) {
         for (entry_place &place : frames_[i].places) {
             const bool on_path = place.depth <= limit && path.segments[place.depth - 1].list == place.list;
             if (on_path && (deepest == nullptr || place.depth > deepest->depth))
                 deepest = &place;
         }
-        if (deepest != nullptr) {
-            start.node = node_of(*deepest);
-            start.steps = deepest->steps;
-            start.depth = deepest->depth;
-        }
     }
-    return start;
+    here.start = deepest;
+    here.start_depth = deepest == nullptr ? 0 : deepest->depth;
+    here.node = deepest == nullptr ? out_ : node_of(*deepest);
+    here.depth = here.start_depth;
+}
+
+/* A node that was passed on the way, at `depth` >= the start's. */
+dtf_datatree &landing::node_at(const position &here, std::size_t depth) const
+{
+    dtf_datatree *const start = here.start == nullptr ? out_ : here.start->node;
+    return *descend(start, here.steps.data() + here.start_depth, depth - here.start_depth);
+}
+
+/* Makes the steps count from the root: the entry that the way started from may be forgotten then. */
+void landing::complete_steps(position &here)
+{
+    if (here.start != nullptr)
+        std::copy_n(here.start->steps.begin(), here.start_depth, here.steps.begin());
+    here.start = nullptr;
+    here.start_depth = 0;
 }
 
 bool landing::enter_existing(position &here, const char *tag) const
@@ -147,21 +160,26 @@ bool landing::enter_existing(position &here, const char *tag) const
 
 void landing::create_rest(position &here, const parsed_path &path, const addition &what)
 {
-    std::vector<entry_place> &places = frames_[open_ - 1].places;
-    places.reserve(places.size() + path.list_count);
     const std::size_t first = here.depth;
     const std::size_t length = path.segments.size();
+    const bool makes_entries = first < path.lists_end;
+    if (makes_entries) {
+        /* What remembering needs is allocated first: once the nodes are there, nothing fails. That may move the start.
+         */
+        complete_steps(here);
+        std::vector<entry_place> &places = frames_[open_ - 1].places;
+        places.reserve(places.size() + path.list_count);
+    }
     try {
         while (here.depth < length)
             create_child(here, path.segments[here.depth], what.ns);
     } catch (...) {
-        roll_back(here, first);
+        if (here.depth > first)
+            drop_last_child(node_at(here, first));
         throw;
     }
-    for (std::size_t depth = first; depth < length; ++depth) {
-        if (const list_schema *const list = path.segments[depth].list)
-            remember(here, depth + 1, *list, what.new_list_entry && depth + 1 == length);
-    }
+    if (makes_entries)
+        remember_created(here, path, first, what.new_list_entry);
 }
 
 void landing::create_child(position &here, const path_segment &segment, const char *ns)
@@ -185,11 +203,12 @@ void landing::create_child(position &here, const path_segment &segment, const ch
     here.node = &child;
 }
 
-/* Takes away what was created from `depth` on. */
-void landing::roll_back(position &here, std::size_t depth)
+void landing::remember_created(const position &here, const parsed_path &path, std::size_t first, bool names_new_entry)
 {
-    if (here.depth > depth)
-        drop_last_child(*descend(out_, here.steps.data(), depth));
+    for (std::size_t depth = first; depth < path.lists_end; ++depth) {
+        if (const list_schema *const list = path.segments[depth].list)
+            remember(here, depth + 1, *list, names_new_entry && depth + 1 == here.depth);
+    }
 }
 
 /* Makes the entry at the first `depth` steps the innermost frame's for `list`; what it had of it and below goes. */
@@ -202,7 +221,7 @@ void landing::remember(const position &here, std::size_t depth, const list_schem
     });
     entry_place &place = places.emplace_back();
     place.list = &list;
-    place.steps = here.steps;
+    std::copy_n(here.steps.begin(), depth, place.steps.begin());
     place.depth = static_cast<std::uint8_t>(depth);
     place.awaits_key = awaits_key;
     if (depth == here.depth) {

@@ -93,18 +93,23 @@ class landing
         std::vector<entry_place> places;
     };
 
-    /* A node on the way along a path. */
+    /* A node on the way along a path. Made for every addition, so it is not cleared first. */
     struct position {
-        dtf_datatree *node = nullptr;
-        std::array<std::uint32_t, path_table::max_segments> steps{};
-        std::size_t depth = 0;
+        dtf_datatree *node;
+        std::size_t depth;
+        /* The entry that the way starts from, null for the root; it has the first `start_depth` steps. */
+        const entry_place *start;
+        std::size_t start_depth;
+        std::array<std::uint32_t, path_table::max_segments> steps;
     };
 
-    position start_of(const parsed_path &path, std::size_t limit);
+    void enter_start(position &here, const parsed_path &path, std::size_t limit);
     bool enter_existing(position &here, const char *tag) const;
     void create_child(position &here, const path_segment &segment, const char *ns);
     void create_rest(position &here, const parsed_path &path, const addition &what);
-    void roll_back(position &here, std::size_t depth);
+    dtf_datatree &node_at(const position &here, std::size_t depth) const;
+    static void complete_steps(position &here);
+    void remember_created(const position &here, const parsed_path &path, std::size_t first, bool names_new_entry);
     void remember(const position &here, std::size_t depth, const list_schema &list, bool awaits_key);
     const entry_place *take_awaiting(const list_schema &list);
     void close_innermost(bool withdraw_keyless);

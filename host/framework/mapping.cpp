@@ -107,7 +107,7 @@ faultno mapping::update_current_list(const char *schema_path)
     return landing_->open_frame(*schema, hierarchy_.size(), withdraws_keyless()) ? FAULT_SUCCESS : fault_stack_full;
 }
 
-faultno mapping::add_path(dtf_datatree &tree, const char *text, addition what, dtf_datatree **created)
+faultno mapping::add_path(dtf_datatree &tree, const char *text, addition &what, dtf_datatree **created)
 {
     const parsed_path *const path = paths_.find(text);
     if (path == nullptr)

@@ -109,7 +109,7 @@ class mapping
     void push_node(const dtf_datatree *node, std::uint32_t kind);
     void pop_node(const dtf_datatree *node);
     faultno update_current_list(const char *schema_path);
-    faultno add_path(dtf_datatree &tree, const char *path, addition what, dtf_datatree **created);
+    faultno add_path(dtf_datatree &tree, const char *path, addition &what, dtf_datatree **created);
     void push_itree(const dtf_itree_entry &entry);
     void note_error_path();
     faultno check_leafref(const char *container, const char *key_tag, const dtf_datatree &entry);

@@ -79,7 +79,11 @@ faultno dtf_map_datatree_add_path_flagged(dtf_map_ctx ctx, struct dtf_datatree *
     if (tree == nullptr || path == nullptr)
         return FAULT_INVALID_ARGS;
     return guarded([=] {
-        const framework::addition what{ns, value, source, 0, 0, new_list_entry != 0, false};
+        framework::addition what;
+        what.ns = ns;
+        what.value = value;
+        what.source = source;
+        what.new_list_entry = new_list_entry != 0;
         return mapping::of(ctx).add_path(*tree, path, what, created);
     });
 }

@@ -100,6 +100,7 @@ const list_schema *path_table::list_at(const std::string &path)
 void path_table::bind_lists(parsed_path &path)
 {
     path.list_count = 0;
+    path.lists_end = 0;
     if (path.relative)
         return;
     std::string prefix;
@@ -109,7 +110,10 @@ void path_table::bind_lists(parsed_path &path)
         segment.list = list_at(prefix);
         segment.is_key = above != nullptr && above->is_key(segment.tag);
         above = segment.list;
-        path.list_count += segment.list != nullptr ? 1U : 0U;
+        if (segment.list != nullptr) {
+            ++path.list_count;
+            path.lists_end = static_cast<std::uint32_t>(&segment - path.segments.data()) + 1;
+        }
     }
 }
 

@@ -43,8 +43,9 @@ struct parsed_path {
     bool relative = false;
     /* A closing "/": the path names the list entry itself. */
     bool closing_slash = false;
-    /* Segments that are list entries. */
+    /* How many segments are list entries, and the number of segments down to the last of them. */
     std::uint32_t list_count = 0;
+    std::uint32_t lists_end = 0;
 
     /* True when the list at `ancestor` is above the node that this path names. */
     bool is_below(const parsed_path &ancestor) const;

@@ -65,21 +65,16 @@ void reserve_children(arena &memory, dtf_datatree &parent, std::uint32_t room)
         move_children(memory, parent, room);
 }
 
-dtf_datatree &add_child(arena &memory, dtf_datatree &parent)
+void grow_children(arena &memory, dtf_datatree &parent)
 {
     forget_void_array(parent);
     parent.flags |= DTF_FLAG_HAS_SUBTREE;
-    if (parent.child_count == std::numeric_limits<std::uint32_t>::max())
+    const std::uint32_t count = parent.child_count;
+    constexpr std::uint32_t most = std::numeric_limits<std::uint32_t>::max();
+    if (count == most)
         throw std::bad_alloc();
-    if (parent.child_count >= parent.child_room || memory.poison()) {
-        const std::uint32_t half = std::numeric_limits<std::uint32_t>::max() / 2;
-        const std::uint32_t doubled = parent.child_count > half ? parent.child_count + 1 : parent.child_count * 2;
-        move_children(memory, parent, std::max(first_room, doubled));
-    }
-    dtf_datatree &child = parent.children[parent.child_count++];
-    child = dtf_datatree{};
-    child.flags = DTF_FLAG_VALID;
-    return child;
+    if (count >= parent.child_room || memory.poison())
+        move_children(memory, parent, std::max(first_room, count > most / 2 ? most : count * 2));
 }
 
 dtf_datatree *find_child(const dtf_datatree &parent, std::string_view tag)
