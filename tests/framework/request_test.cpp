@@ -160,23 +160,6 @@ TEST(request, an_empty_value_is_a_value_except_in_the_request_of_a_read)
     EXPECT_TRUE(has_value(direction::native_to_openconfig, 10));
 }
 
-TEST(request, add_and_delete_follow_operation_and_kind)
-{
-    for (const std::uint32_t kind : {0U, 1U, 8U, 10U, 15U, 3U}) {
-        walk w(request(kind));
-        w.run([&](walk &walking) {
-            for (std::uint32_t operation = 0; operation <= 5; ++operation) {
-                dtf_datatree node{};
-                node.operation = operation;
-                EXPECT_EQ(dtf_map_is_request_delete(&node) != 0, operation == 3 || operation == 4);
-                EXPECT_EQ(dtf_map_is_request_add(walking.ctx, &node) != 0, kind != 0 && kind != 10 && operation <= 2);
-            }
-            return FAULT_SUCCESS;
-        });
-    }
-    EXPECT_EQ(dtf_map_is_request_delete(nullptr), 0);
-}
-
 TEST(request, a_key_must_agree_with_the_leaf_it_refers_to)
 {
     const auto check = [](const char *key, bool container, const char *target) {

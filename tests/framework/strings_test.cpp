@@ -113,12 +113,4 @@ TEST(strings, named_copies_are_counted_until_released)
     EXPECT_EQ(framework::live_named_allocations(), before);
 }
 
-TEST(strings, texts_match_when_both_are_there_and_equal)
-{
-    EXPECT_NE(dtf_map_do_these_match("a", std::string("a").c_str()), 0);
-    EXPECT_EQ(dtf_map_do_these_match("a", "ab"), 0);
-    EXPECT_EQ(dtf_map_do_these_match(nullptr, "a"), 0);
-    EXPECT_EQ(dtf_map_do_these_match(nullptr, nullptr), 0);
-}
-
 } // namespace
