@@ -41,6 +41,7 @@ void add_inventory(CLI::App &app, global_options &globals);
 void add_native(CLI::App &app, global_options &globals);
 void add_get(CLI::App &app, global_options &globals);
 void add_edit(CLI::App &app, global_options &globals);
+void add_show(CLI::App &app, global_options &globals);
 
 } // namespace cli
 

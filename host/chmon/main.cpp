@@ -42,6 +42,7 @@ int run(int argc, char **argv)
     cli::add_native(app, globals);
     cli::add_get(app, globals);
     cli::add_edit(app, globals);
+    cli::add_show(app, globals);
     app.footer("Each command has a --help of its own.");
     try {
         app.parse(argc, argv);

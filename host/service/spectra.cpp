@@ -1,0 +1,122 @@
+#include "service/spectra.h"
+
+#include "service/read.h"
+#include "service/tree_access.h"
+
+#include "framework/arena.h"
+#include "framework/tree.h"
+
+#include "oc_chmon.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace service {
+
+namespace {
+
+/* The number that a text is; none where it is not one, or not a finite one. */
+template <typename number> std::optional<number> number_of(std::string_view text)
+{
+    number value{};
+    const char *const end = text.data() + text.size();
+    const auto read_to = std::from_chars(text.data(), end, value);
+    if (text.empty() || read_to.ec != std::errc() || read_to.ptr != end)
+        return std::nullopt;
+    if constexpr (std::is_floating_point_v<number>)
+        if (!std::isfinite(value))
+            return std::nullopt;
+    return value;
+}
+
+/* A leaf of one of the containers below an entry: what is configured, else what the device tells. */
+std::string_view leaf_below(const dtf_datatree &entry, std::initializer_list<const char *> containers, const char *leaf)
+{
+    for (const char *const name : containers) {
+        const dtf_datatree *const container = framework::find_child(entry, name);
+        const std::string_view value = container == nullptr ? std::string_view() : leaf_value(*container, leaf);
+        if (!value.empty())
+            return value;
+    }
+    return {};
+}
+
+chart::channel channel_of(const dtf_datatree &entry)
+{
+    return {number_of<std::uint64_t>(leaf_value(entry, "lower-frequency")),
+            number_of<std::uint64_t>(leaf_value(entry, "upper-frequency")),
+            number_of<double>(leaf_below(entry, {"state"}, "power"))};
+}
+
+chart::monitor monitor_of(const dtf_datatree &entry)
+{
+    chart::monitor made;
+    made.name = leaf_value(entry, "name");
+    made.port = leaf_below(entry, {"state", "config"}, "monitor-port");
+    if (const dtf_datatree *const channels = framework::find_child(entry, "channels"))
+        for (const dtf_datatree &child : children_of(*channels))
+            if (std::string_view(child.tag) == "channel")
+                made.channels.push_back(channel_of(child));
+    return made;
+}
+
+std::vector<chart::monitor> monitors_of(const dtf_datatree &reply)
+{
+    std::vector<chart::monitor> monitors;
+    for (const dtf_datatree &top : children_of(reply))
+        for (const dtf_datatree &entry : children_of(top))
+            monitors.push_back(monitor_of(entry));
+    return monitors;
+}
+
+dtf_datatree &add(framework::arena &memory, dtf_datatree &parent, const char *tag)
+{
+    dtf_datatree &child = framework::add_child(memory, parent);
+    child.tag = tag;
+    child.ns = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR;
+    return child;
+}
+
+/* A filter for the name of one monitor and all that it has; without a name, for the names of all of them. */
+dtf_datatree filter_for(const char *name, framework::arena &memory)
+{
+    dtf_datatree filter{};
+    filter.flags = DTF_FLAG_VALID;
+    dtf_datatree &leaf = add(memory, add(memory, add(memory, filter, "channel-monitors"), "channel-monitor"), "name");
+    if (name != nullptr) {
+        leaf.value = name;
+        leaf.flags |= DTF_FLAG_HAS_VALUE;
+    }
+    return filter;
+}
+
+} // namespace
+
+std::vector<chart::monitor> read_spectra(const plugin &mapper, const device::folder &device, const walk_options &walks)
+{
+    const ostore::read_transaction state(device.database());
+    framework::arena memory;
+    return monitors_of(read(mapper, state, nullptr, kind_get, memory, walks));
+}
+
+chart::monitor read_spectrum(const plugin &mapper, const device::folder &device, const std::string &name,
+                             const walk_options &walks)
+{
+    const ostore::read_transaction state(device.database());
+    framework::arena memory;
+    const dtf_datatree all_names = filter_for(nullptr, memory);
+    std::string known;
+    bool found = false;
+    for (const chart::monitor &one : monitors_of(read(mapper, state, &all_names, kind_get, memory, walks))) {
+        found = found || one.name == name;
+        known += (known.empty() ? "" : ", ") + one.name;
+    }
+    if (!found)
+        throw unknown_monitor(name + ": no such monitor; the device has " + (known.empty() ? "none" : known));
+    const dtf_datatree filter = filter_for(name.c_str(), memory);
+    const auto monitors = monitors_of(read(mapper, state, &filter, kind_get, memory, walks));
+    return monitors.empty() ? chart::monitor{name, {}, {}} : monitors.front();
+}
+
+} // namespace service
