@@ -8,7 +8,7 @@ PREFIX ?= /usr/local
 
 help:
 	@echo "make run      build the program and show it at work on the example device"
-	@echo "make test     every test: g++, then with sanitizers, then clang++"
+	@echo "make test     every test: with g++, then with clang++ and sanitizers"
 	@echo "make bench    measure speed, against the peers too"
 	@echo "make fuzz     look for crashing inputs            make soak    the long forms of the tests"
 	@echo "make lint     format, clang-tidy, may-use table   make format  rewrite sources in our format"
@@ -21,10 +21,10 @@ run:
 	@tools/build release
 	@tools/demo build/release
 
-# The fast, complete run comes first, so that a plain mistake shows early; the last line is ctest's summary.
+# The fast runs come first, so that a plain mistake shows early; the last line is ctest's summary.
 test:
 	@tools/setup build test
-	@tools/build --test dev asan-ubsan clang
+	@tools/build --test dev clang asan-ubsan
 
 bench:
 	@tools/setup build bench
