@@ -81,6 +81,7 @@ outcome run(const scenario &s, const circumstance &c, bool real)
     dtf_datatree *const in = h.plant(s.tree, s.m->ns);
     h.request = {s.kind, s.options, s.scope};
     h.state.output_list_len = s.listed;
+    h.state.req_flags = 0x40;
     h.context.trace_on = c.trace_on;
     h.context.debug_filter.levels = c.levels;
     h.fail_at = c.fail_at, h.fail_on = c.fail_on, h.fail_copies = c.fail_copies, h.fail_code = c.code;
@@ -135,7 +136,7 @@ TEST(native, every_copy_fails)
         for (std::size_t k = 1; s.listed == 0 && s.top == 0 && (k == 1 || k <= run(s, {0, false, true}, true).calls);
              ++k, ++each.cases)
             for (const bool on : {false, true})
-                EXPECT_TRUE(run(s, {k, on, true}, true).text.starts_with("0, req_flags 0\nTRC"))
+                EXPECT_TRUE(run(s, {k, on, true}, true).text.starts_with("0, req_flags 40\nTRC"))
                     << s.label << ", copy " << k;
 }
 
