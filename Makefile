@@ -24,7 +24,7 @@ run:
 # The fast runs come first, so that a plain mistake shows early; the last line is ctest's summary.
 test:
 	@tools/setup build test
-	@tools/build --test dev clang asan-ubsan
+	@tools/build --test dev asan-ubsan
 
 bench:
 	@test -x bench/run || { echo "make bench: this tree has no bench/run" >&2; exit 1; }
