@@ -50,9 +50,11 @@ bool is_wrapped(std::string_view xml)
 
 } // namespace
 
-std::string write_document(const dtf_datatree &tree, document_format format)
+std::string write_document(const dtf_datatree &tree, document_format format, std::size_t expected)
 {
+    constexpr std::size_t most_reserved = std::size_t{256} << 20;
     std::string text;
+    text.reserve(std::min(expected, most_reserved));
     if (format == document_format::xml)
         framework::write_xml(text, tree);
     else

@@ -86,7 +86,8 @@ std::string map_document(const plugin &mapper, const map_options &options)
         judge_native(native, original, written_as, text.name);
     const dtf_datatree reply = map_native(mapper, native, text.name, memory, options.kind, options.walks);
     const auto wanted = options.format.value_or(written_as);
-    std::string written = write_document(reply, wanted);
+    /* Native JSON, the tersest, grows to less than four times its size. */
+    std::string written = write_document(reply, wanted, 4 * text.size);
     if (options.validate)
         judge_reply(reply, reply_extent::whole, written, wanted);
     return written;
