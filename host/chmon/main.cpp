@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -22,15 +23,23 @@ int finished()
     return status_failed;
 }
 
+/* An error is one line, whatever names were given in arguments and documents: no line ends, nothing a terminal obeys.
+ */
+std::string one_line(std::string message)
+{
+    std::replace_if(
+        message.begin(), message.end(), [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }, '?');
+    return "chmon: " + message;
+}
+
 int run(int argc, char **argv)
 {
     CLI::App app("OpenConfig channel monitors over a device's native models", "chmon");
     /* Set before the commands are added: they take it over, and so global options may follow the command. */
     app.fallthrough();
     app.require_subcommand(1);
-    app.failure_message([](const CLI::App *, const CLI::Error &wrong) {
-        return "chmon: " + std::string(wrong.what()) + "; see chmon --help\n";
-    });
+    app.failure_message(
+        [](const CLI::App *, const CLI::Error &wrong) { return one_line(wrong.what()) + "; see chmon --help\n"; });
 
     cli::global_options globals;
     cli::add_global_options(app, globals);
@@ -61,7 +70,7 @@ int main(int argc, char **argv)
         return run(argc, argv);
     } catch (const std::exception &failure) {
         std::cout.flush();
-        std::cerr << "chmon: " << failure.what() << '\n';
+        std::cerr << one_line(failure.what()) << '\n';
         return status_failed;
     }
 }

@@ -52,6 +52,10 @@ void show(const show_arguments &arguments, const global_options &globals)
         std::cout << draw_chart(shown, style);
         return;
     }
+    if (arguments.picture == "-") {
+        std::cout << draw_picture(shown);
+        return;
+    }
     write_picture(arguments.picture, draw_picture(shown));
     std::cout << arguments.picture << ": the spectrum of " << shown.name << '\n';
 }
@@ -64,7 +68,7 @@ void add_show(CLI::App &app, global_options &globals)
     const auto arguments = std::make_shared<show_arguments>();
     CLI::Option *const monitor =
         command->add_option("MONITOR", arguments->monitor, "The one to draw; without it a table of all");
-    command->add_option("--svg", arguments->picture, "Write the spectrum as a picture, in place of showing it")
+    command->add_option("--svg", arguments->picture, "Write the spectrum as a picture; - is standard output")
         ->type_name("FILE")
         ->needs(monitor);
     command

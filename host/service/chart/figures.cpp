@@ -68,9 +68,15 @@ std::string centre_text(const channel *of)
 
 std::string printable(std::string_view text)
 {
-    std::string shown(text);
-    const auto is_control = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; };
-    std::replace_if(shown.begin(), shown.end(), is_control, '?');
+    constexpr const char *digits = "0123456789abcdef";
+    std::string shown;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= ' ' && byte < 0x7f)
+            shown += c;
+        else
+            shown += {'\\', 'x', digits[byte >> 4U], digits[byte & 0xfU]};
+    }
     return shown;
 }
 

@@ -31,7 +31,10 @@ std::string decimal(double number, int decimals);
 std::string power_text(const std::optional<double> &power);
 /* The middle of a channel in THz, to the GHz; "-" where that is not known. */
 std::string centre_text(const channel *of);
-/* The text with '?' for control characters, which a terminal would obey. */
+/*
+ * A name with \xNN for each byte that is no printable ASCII: a terminal would obey it, XML not allow it, and a column
+ * be counted wrongly. The names that the mapping gives have none.
+ */
 std::string printable(std::string_view text);
 
 } // namespace service::chart

@@ -11,7 +11,7 @@ namespace {
 
 /* Of the picture, in its own units; a viewer scales it. */
 constexpr double width = 960, height = 420;
-constexpr double left = 64, right = 936, top = 76, bottom = 364;
+constexpr double left = 64, right = 920, top = 76, bottom = 364;
 constexpr double character = 8; /* width of a tick label's character, about */
 constexpr double least_bar = 0.5;
 constexpr double gap = 1; /* between the bars of neighbours, where they are wide enough for it */
@@ -37,7 +37,7 @@ std::string attribute(const char *name, const std::string &value)
     return std::string(" ") + name + "=\"" + value + "\"";
 }
 
-/* XML's three, and nothing that XML does not allow (printable() took that out). */
+/* XML's three; printable() took out what XML does not allow. */
 std::string escaped(const std::string &text)
 {
     std::string safe;
@@ -62,6 +62,14 @@ double height_of(const power_scale &scale, double power) { return bottom - scale
 double place_of(const frequency_axis &axis, std::uint64_t frequency)
 {
     return left + axis.share(frequency) * (right - left);
+}
+
+std::string listed(const std::vector<std::string> &words)
+{
+    std::string text;
+    for (const std::string &word : words)
+        text += (text.empty() ? "" : ",  ") + word;
+    return text;
 }
 
 std::string power_axis(const power_scale &scale)
@@ -105,16 +113,14 @@ std::string draw_picture(const monitor &of)
 {
     const figures sums = figures_of(of);
     const power_scale scale = power_scale_for(sums);
-    std::string facts;
-    for (const std::string &word : title_of(of, sums))
-        facts += (facts.empty() ? "" : ",  ") + word;
     std::string text = "<svg xmlns=\"http://www.w3.org/2000/svg\"" +
                        attribute("viewBox", "0 0 " + decimal(width, 0) + " " + decimal(height, 0)) +
                        attribute("width", decimal(width, 0)) + attribute("height", decimal(height, 0)) + ">\n<title>" +
                        escaped(of.name) + "</title>\n" + style + "<rect" + attribute("class", "ground") +
                        attribute("width", decimal(width, 0)) + attribute("height", decimal(height, 0)) + "/>\n" +
-                       text_at(left, 26, attribute("class", "name"), of.name) + text_at(left, 46, "", facts) +
-                       power_axis(scale);
+                       text_at(left, 26, attribute("class", "name"), of.name) +
+                       text_at(left, 46, "", listed(title_of(of, sums))) +
+                       text_at(left, 64, "", listed(gaps_of(sums, "dashed"))) + power_axis(scale);
     if (const auto axis = frequency_axis_for(of.channels)) {
         for (const channel &one : of.channels)
             if (one.placed())

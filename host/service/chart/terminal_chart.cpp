@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace service::chart {
 
@@ -184,8 +185,11 @@ class drawing
 
 std::string draw_chart(const monitor &of, const chart_style &style)
 {
-    const std::string head =
-        printable(of.name).substr(0, style.width) + "\n" + wrapped(title_of(of, figures_of(of)), style.width);
+    const figures sums = figures_of(of);
+    std::vector<std::string> words = title_of(of, sums);
+    for (std::string &gap : gaps_of(sums, "-"))
+        words.push_back(std::move(gap));
+    const std::string head = printable(of.name).substr(0, style.width) + "\n" + wrapped(words, style.width);
     const auto axis = frequency_axis_for(of.channels);
     return axis ? head + "\n" + drawing(of, *axis, style).text() : head;
 }

@@ -9,7 +9,7 @@
 
 namespace service::chart {
 
-/* Statements about a spectrum, the most important first: port, channels, powers, and what is missing. */
+/* Statements about a spectrum, the most important first: port, channels, powers. */
 inline std::vector<std::string> title_of(const monitor &of, const figures &sums)
 {
     std::vector<std::string> words;
@@ -21,10 +21,17 @@ inline std::vector<std::string> title_of(const monitor &of, const figures &sums)
         words.push_back("strongest " + power_text(sums.strongest->power) + " dBm");
         words.push_back("weakest " + power_text(sums.weakest->power) + " dBm");
     }
+    return words;
+}
+
+/* And about what is missing in it, if anything is; `mark` is what stands in the drawing for a missing power. */
+inline std::vector<std::string> gaps_of(const figures &sums, const std::string &mark)
+{
+    std::vector<std::string> words;
     if (sums.unmeasured > 0)
-        words.push_back(std::to_string(sums.unmeasured) + " not measured (-)");
+        words.push_back(std::to_string(sums.unmeasured) + " not measured (" + mark + ")");
     if (sums.unplaced > 0)
-        words.push_back(std::to_string(sums.unplaced) + " without frequencies");
+        words.push_back(std::to_string(sums.unplaced) + " without usable frequencies");
     return words;
 }
 
