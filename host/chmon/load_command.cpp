@@ -22,6 +22,7 @@ void load(const std::vector<std::string> &files, const global_options &globals)
     /* First the device: where there is none, reading the documents would be for nothing. */
     device::folder into = device::folder::open(globals.device_folder());
     std::vector<device::document> documents;
+    documents.reserve(files.size());
     for (const std::string &file : files)
         documents.push_back(device::read_document(file));
     const device::load_summary loaded = device::load(into, device::schema(), documents);

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <libyang/libyang.h>
 #include <new>
-#include <regex>
+#include <string_view>
 
 namespace device {
 namespace {
@@ -28,11 +28,16 @@ std::string one_line(std::string text)
     return text;
 }
 
-/// First group of a pattern in libyang's description of a place, empty when it is not there.
-std::string part_of(const std::string &place, const char *pattern)
+/// What stands behind a label, up to the `end` character, in libyang's description of a place; empty without the label.
+/// The label goes without its first letter, which is a capital where the description begins with it.
+std::string part_of(const std::string &place, std::string_view label, std::string_view end)
 {
-    std::smatch found;
-    return std::regex_search(place, found, std::regex(pattern)) ? found[1].str() : std::string();
+    const std::size_t found = place.find(label);
+    if (found == std::string::npos) {
+        return {};
+    }
+    const std::size_t begin = found + label.size();
+    return place.substr(begin, place.find_first_of(end, begin) - begin);
 }
 
 /// libyang's last error as "line 12, /path: cause"; the data path is preferred to the schema path, for it has the keys.
@@ -44,10 +49,10 @@ std::string last_error(const ly_ctx *context)
     }
     error = error->prev; // the list is a ring: the first's predecessor is the latest
     const std::string place = error->path == nullptr ? "" : error->path;
-    const std::string line = part_of(place, "[Ll]ine number ([0-9]+)");
-    std::string path = part_of(place, "[Dd]ata location \"([^\"]*)");
+    const std::string line = part_of(place, "ine number ", ",. )");
+    std::string path = part_of(place, "ata location \"", "\"");
     if (path.empty()) {
-        path = part_of(place, "[Ss]chema location \"([^\"]*)");
+        path = part_of(place, "chema location \"", "\"");
     }
     if (line.empty() && path.empty()) {
         path = place;

@@ -21,7 +21,7 @@ constexpr MDB_dbi max_tables = 32;
 constexpr unsigned int max_readers = 1022;
 
 /* Bytes of a lock file for so many readers: 64 each, and as much again for its head as for two or three. */
-constexpr std::size_t lock_file_size = 64 * (max_readers + 2);
+constexpr std::size_t lock_file_size = std::size_t{64} * (max_readers + 2);
 
 /* An LMDB transaction that ends with its scope, for work on the tables themselves. */
 class scoped_txn

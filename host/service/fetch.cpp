@@ -165,7 +165,7 @@ class port_fetch
     }
 
   private:
-    static constexpr const char *ns_ = CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER;
+    static constexpr const char *ots_ns = CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER;
 
     void take(const device::ots_port &port)
     {
@@ -180,8 +180,8 @@ class port_fetch
         if (asked.empty() && spectrum.empty())
             return;
         asked.add(native_tag::name);
-        dtf_datatree &top = the_child(memory_, native_, "ots-oper", ns_);
-        dtf_datatree &node = add_node(memory_, the_child(memory_, top, "ots-ports", ns_), "ots-port", ns_);
+        dtf_datatree &top = the_child(memory_, native_, "ots-oper", ots_ns);
+        dtf_datatree &node = add_node(memory_, the_child(memory_, top, "ots-ports", ots_ns), "ots-port", ots_ns);
         const leaf_buffer leaves = leaves_of(port.entry);
         add_leaves(memory_, node, leaves.all(), [&asked](native_tag tag) { return asked.has(tag); });
         if (!spectrum.empty())
@@ -190,7 +190,7 @@ class port_fetch
 
     void add_slices(dtf_datatree &node, const device::ots_port &port, const spectrum_wishes &wishes)
     {
-        dtf_datatree &spectrum = add_node(memory_, node, "ots-spectrum-info", ns_);
+        dtf_datatree &spectrum = add_node(memory_, node, "ots-spectrum-info", ots_ns);
         if (wishes.is_whole())
             framework::reserve_children(memory_, spectrum, port.slice_count);
         device::slice_cursor slices(reader_, port);
@@ -213,7 +213,7 @@ class port_fetch
         asked.add(native_tag::lower_frequency);
         asked.add(native_tag::upper_frequency);
         const char *const tag = device::text_of(native_tag::spectrum_slice_power_info);
-        add_leaves(memory_, add_node(memory_, spectrum, tag, ns_), leaves,
+        add_leaves(memory_, add_node(memory_, spectrum, tag, ots_ns), leaves,
                    [&asked](native_tag leaf) { return asked.has(leaf); });
     }
 

@@ -8,8 +8,6 @@ namespace service {
 
 namespace {
 
-using device::native_tag;
-
 bool is(const dtf_datatree &node, std::string_view tag) { return tag == node.tag; }
 
 /* The leaves among the children of a request entry. */
@@ -42,7 +40,7 @@ void add_ports(std::vector<port_wish> &wishes, const dtf_datatree &ports)
 {
     for (const dtf_datatree &port : children_of(ports)) {
         port_wish wish{leaf_value(port, "name"), leaves_in(port), wishes_for_spectrum(port)};
-        if (is(port, "ots-port") && !(wish.leaves.empty() && wish.spectrum.empty()))
+        if (is(port, "ots-port") && !wish.name.empty() && !(wish.leaves.empty() && wish.spectrum.empty()))
             wishes.push_back(std::move(wish));
     }
 }
@@ -50,9 +48,9 @@ void add_ports(std::vector<port_wish> &wishes, const dtf_datatree &ports)
 void add_interfaces(std::vector<interface_wish> &wishes, const dtf_datatree &interfaces)
 {
     for (const dtf_datatree &entry : children_of(interfaces)) {
-        const leaf_set leaves = leaves_in(entry);
-        if (is(entry, "interface-configuration") && !leaves.empty())
-            wishes.push_back({leaf_value(entry, "active"), leaf_value(entry, "interface-name"), leaves});
+        interface_wish wish{leaf_value(entry, "active"), leaf_value(entry, "interface-name"), leaves_in(entry)};
+        if (is(entry, "interface-configuration") && !wish.name.empty() && !wish.leaves.empty())
+            wishes.push_back(std::move(wish));
     }
 }
 

@@ -37,10 +37,11 @@ double read_number(const char *text)
         /* A value text is too short to leave the range by its digits, so the exponent's sign tells which way. */
         const bool tiny = NULL != std::memchr(text, '-', static_cast<size_t>(end - text));
         number = tiny ? 0.0 : std::numeric_limits<double>::infinity();
-    } else if (std::errc() != error) {
+    }
+    /* "inf" that begins "infinity" has to be all of it. */
+    const bool infinity_cut = std::isinf(number) && 3 == end - text && ('i' == *end || 'I' == *end);
+    if (std::errc::invalid_argument == error || infinity_cut) {
         return 0.0;
-    } else if (std::isinf(number) && 3 == end - text && ('i' == *end || 'I' == *end)) {
-        return 0.0; /* "inf" that begins "infinity" has to be all of it */
     }
     return negative ? -number : number;
 }
