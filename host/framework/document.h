@@ -16,6 +16,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace framework {
 
@@ -27,10 +28,40 @@ class parse_error : public std::runtime_error
     explicit parse_error(const std::string &what);
 };
 
+/* An attribute (JSON: an annotation) that has no meaning where it stands, or not that value. */
+class attribute_error : public parse_error
+{
+  public:
+    enum class kind { unknown, bad };
+
+    attribute_error(const std::string &document, kind fault, std::string element_path, std::string attribute_name,
+                    const std::string &what)
+        : parse_error(document + ": " + element_path + ": " + what),
+          how(fault),
+          path(std::move(element_path)),
+          attribute(std::move(attribute_name)),
+          message(document + ": " + what)
+    {
+    }
+
+    kind how;
+    std::string path; /* of the element that has it, by tags and ordinals */
+    std::string attribute;
+    std::string message; /* what() without the path */
+};
+
+/* The namespace of nodes that can stand for nothing, as in no data is anything of it. */
+inline constexpr const char *nowhere_namespace = "urn:chmon:nowhere";
+
 /* What a document is to be: it decides what a leaf without value and an edit operation mean. */
 enum class document_use {
     data, /* device data or a reply: an empty JSON text is an empty value; edit operations are errors */
-    read, /* a filter: value-less leaves select; edit operations are checked and ignored */
+    /*
+     * A filter: value-less leaves select; values are without the white space around them; edit operations are checked
+     * and ignored. An XML element with other attributes wants data that has them (RFC 6241, 6.2.2): since no data has
+     * any, it comes with the nowhere_namespace.
+     */
+    read,
     edit, /* an edit: value-less leaves are legal; edit operations are set and inherited (edit_operations.h) */
 };
 

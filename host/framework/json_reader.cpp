@@ -5,6 +5,7 @@
 #include "name_table.h"
 #include "schema_facts.h"
 #include "tree_builder.h"
+#include "xml_text.h"
 
 #include <algorithm>
 #include <simdjson.h>
@@ -89,10 +90,11 @@ class json_reader
     void open_object(ondemand::object object, const char *ns);
     void read_scalar(ondemand::value value, const name_entry &name, const char *ns);
     void read_string(ondemand::value value, dtf_datatree &leaf);
+    std::string_view trimmed(std::string_view text);
     void read_null(dtf_datatree &leaf);
 
     void read_annotation(std::string_view target, ondemand::value value);
-    std::uint32_t read_operation(ondemand::value value);
+    std::uint32_t read_operation(std::string_view target, ondemand::value value);
     void annotate(const name_entry *name, std::uint32_t index, std::uint32_t operation);
     void apply_annotations();
     void check_names_once(std::size_t first);
@@ -273,14 +275,23 @@ void json_reader::read_string(ondemand::value value, dtf_datatree &leaf)
     const char *const text = take(value.get_raw_json_string()).raw();
     bool has_escapes = false;
     const char *const end = string_end(text, has_escapes);
-    if (end == text && use_ != document_use::data)
-        return;
-    if (has_escapes) {
-        set_value(leaf, unescape(text, static_cast<std::size_t>(end - text)).data());
-        return;
-    }
-    text_.bytes[static_cast<std::ptrdiff_t>(offset_of(end))] = '\0';
-    set_value(leaf, text);
+    std::string_view decoded(text, static_cast<std::size_t>(end - text));
+    if (has_escapes)
+        decoded = unescape(text, decoded.size());
+    else
+        text_.bytes[static_cast<std::ptrdiff_t>(offset_of(end))] = '\0';
+    if (use_ == document_use::read)
+        decoded = trimmed(decoded);
+    if (!decoded.empty() || use_ == document_use::data)
+        set_value(leaf, decoded.data());
+}
+
+/* Without the white space around it, for which no filter asks (RFC 6241, 6.2.5); terminated as the text was. */
+std::string_view json_reader::trimmed(std::string_view text)
+{
+    const std::string_view rest = trim_xml(text);
+    return rest.data() + rest.size() == text.data() + text.size() ? rest
+                                                                  : std::string_view(memory_.copy(rest), rest.size());
 }
 
 void json_reader::read_null(dtf_datatree &leaf)
@@ -311,20 +322,20 @@ void json_reader::read_annotation(std::string_view target, ondemand::value value
         name = ns == nullptr || same_namespace(ns, levels_.back().ns) ? name->plain : name;
     }
     if (value.raw_json_token().front() != '[') {
-        annotate(name, 0, read_operation(value));
+        annotate(name, 0, read_operation(target, value));
         return;
     }
     std::uint32_t index = 0;
     for (auto element : take(value.get_array())) {
         ondemand::value one = take(element);
         if (token_of(one) != "null")
-            annotate(name, index, read_operation(one));
+            annotate(name, index, read_operation(target, one));
         ++index;
     }
 }
 
-/* The operation that an annotation object gives. */
-std::uint32_t json_reader::read_operation(ondemand::value value)
+/* The operation that an annotation object gives; `target` as above. */
+std::uint32_t json_reader::read_operation(std::string_view target, ondemand::value value)
 {
     if (value.raw_json_token().front() != '{')
         builder_.fail("an annotation is a JSON object");
@@ -333,11 +344,13 @@ std::uint32_t json_reader::read_operation(ondemand::value value)
         ondemand::field field = take(member);
         const std::string_view name = take(field.unescaped_key());
         if (name != operation_annotation)
-            builder_.fail("unknown annotation '" + std::string(name) + "'");
+            builder_.fail_attribute(attribute_error::kind::unknown, target, name,
+                                    "unknown annotation '" + std::string(name) + "'");
         const std::string_view word = take(field.value().get_string());
         const auto known = operation_of(word);
         if (!known)
-            builder_.fail("unknown edit operation '" + std::string(word) + "'");
+            builder_.fail_attribute(attribute_error::kind::bad, target, "operation",
+                                    "unknown edit operation '" + std::string(word) + "'");
         operation = *known;
     }
     return operation;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace framework {
 
@@ -62,19 +63,36 @@ void tree_builder::fail_child(std::string_view tag, const std::string &what) con
     throw parse_error(text_.name + ": " + path() + "/" + std::string(tag) + ": " + what);
 }
 
+void tree_builder::fail_attribute(attribute_error::kind how, std::string_view tag, std::string_view attribute,
+                                  const std::string &what) const
+{
+    std::string place = path();
+    if (!tag.empty())
+        place.append("/").append(tag);
+    throw attribute_error(text_.name, how, std::move(place), std::string(attribute), what);
+}
+
+std::string tree_builder::next_child(const std::string &tag) const
+{
+    return step(tag, open_.size() - 1, waiting_.size());
+}
+
+/* A tag with its ordinal among the equal ones of its siblings, those of an open node's children that wait before `end`.
+ */
+std::string tree_builder::step(const std::string &tag, std::size_t parent_level, std::size_t end) const
+{
+    const std::size_t first = open_[parent_level] + 1;
+    const auto before = std::ranges::count_if(std::span(waiting_).subspan(first, end - first),
+                                              [&tag](const dtf_datatree &sibling) { return tag == sibling.tag; });
+    return before == 0 ? tag : tag + "[" + std::to_string(before + 1) + "]";
+}
+
 /* Tags of the open nodes, each with its ordinal among equal siblings when it is not the first ("/a/b[3]/c"). */
 std::string tree_builder::path() const
 {
     std::string path;
-    for (std::size_t level = 1; level < open_.size(); ++level) {
-        const char *const tag = waiting_[open_[level]].tag;
-        const auto siblings = std::span(waiting_).subspan(open_[level - 1] + 1, open_[level] - open_[level - 1] - 1);
-        const auto before = std::ranges::count_if(
-            siblings, [tag](const dtf_datatree &sibling) { return std::strcmp(sibling.tag, tag) == 0; });
-        path.append("/").append(tag);
-        if (before > 0)
-            path.append("[").append(std::to_string(before + 1)).append("]");
-    }
+    for (std::size_t level = 1; level < open_.size(); ++level)
+        path += "/" + step(waiting_[open_[level]].tag, level - 1, open_[level]);
     return path;
 }
 

@@ -52,9 +52,16 @@ class tree_builder
     /* Throws parse_error about the innermost open node, or about its child `tag`. */
     [[noreturn]] void fail(const std::string &what) const;
     [[noreturn]] void fail_child(std::string_view tag, const std::string &what) const;
+    /* Throws attribute_error about its child `tag`, or where that is empty about itself. */
+    [[noreturn]] void fail_attribute(attribute_error::kind how, std::string_view tag, std::string_view attribute,
+                                     const std::string &what) const;
+
+    /* How a child that is added next is called in a path: "b", or "b[3]" behind two others. */
+    std::string next_child(const std::string &tag) const;
 
   private:
     [[noreturn]] void fail_too_deep() const;
+    std::string step(const std::string &tag, std::size_t parent_level, std::size_t end) const;
     std::string path() const;
 
     arena &memory_;

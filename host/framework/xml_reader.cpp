@@ -50,6 +50,7 @@ class xml_reader
     struct attributes {
         int operation = -1;                       /* none */
         std::string_view filter_type = "subtree"; /* of a wrapper */
+        bool is_match = false;                    /* of a filter: attributes that the data should have */
     };
 
     pugi::xml_node parse();
@@ -63,6 +64,11 @@ class xml_reader
 
     void declare_namespaces(pugi::xml_node element, std::size_t level);
     attributes read_attributes(pugi::xml_node element, bool is_wrapper);
+    void read_other_attribute(pugi::xml_node element, std::string_view name, bool is_wrapper, attributes &given) const;
+    const char *namespace_for(const name_entry &name, const attributes &given) const
+    {
+        return given.is_match ? nowhere_namespace : element_namespace(name);
+    }
     void drop_bindings(std::size_t level);
     const char *element_namespace(const name_entry &name) const;
     const char *find_prefix(std::string_view prefix, const char *tag) const;
@@ -189,7 +195,7 @@ bool xml_reader::read_element(pugi::xml_node element)
         read_leaf(element, name, given);
         return false;
     }
-    dtf_datatree &node = builder_.open(name.tag, element_namespace(name));
+    dtf_datatree &node = builder_.open(name.tag, namespace_for(name, given));
     if (given.operation >= 0)
         set_operation(node, static_cast<std::uint32_t>(given.operation));
     return true;
@@ -197,7 +203,7 @@ bool xml_reader::read_element(pugi::xml_node element)
 
 void xml_reader::read_leaf(pugi::xml_node element, const name_entry &name, const attributes &given)
 {
-    const char *const ns = element_namespace(name);
+    const char *const ns = namespace_for(name, given);
     const std::string_view text = text_of(element, name);
     dtf_datatree &node = builder_.add(name.tag, ns);
     if (!text.empty())
@@ -288,9 +294,18 @@ xml_reader::attributes xml_reader::read_attributes(pugi::xml_node element, bool 
         else if (is_wrapper && local == "type" && (is_netconf || colon == std::string_view::npos))
             given.filter_type = decoded(writable(attribute.value()), element.name());
         else
-            builder_.fail_child(element.name(), "unexpected attribute '" + std::string(name) + "'");
+            read_other_attribute(element, name, is_wrapper, given);
     }
     return given;
+}
+
+void xml_reader::read_other_attribute(pugi::xml_node element, std::string_view name, bool is_wrapper,
+                                      attributes &given) const
+{
+    if (use_ != document_use::read || is_wrapper)
+        builder_.fail_attribute(attribute_error::kind::unknown, builder_.next_child(element.name()), name,
+                                "unexpected attribute '" + std::string(name) + "'");
+    given.is_match = true;
 }
 
 /* The operation to set; -1 where the document's use gives it no meaning. */
@@ -298,7 +313,8 @@ int xml_reader::read_operation(const char *tag, std::string_view word) const
 {
     const auto operation = operation_of(word);
     if (!operation)
-        builder_.fail_child(tag, "unknown edit operation '" + std::string(word) + "'");
+        builder_.fail_attribute(attribute_error::kind::bad, builder_.next_child(tag), "operation",
+                                "unknown edit operation '" + std::string(word) + "'");
     if (use_ == document_use::data)
         builder_.fail_child(tag, "edit operation in data");
     return use_ == document_use::edit ? static_cast<int>(*operation) : -1;

@@ -217,15 +217,7 @@ edit_operation default_operation_named(const std::string &name)
 
 std::vector<entry_change> edit_device(const plugin &mapper, device::folder &device, const edit_options &options)
 {
-    try {
-        return run(mapper, device, options);
-    } catch (const framework::parse_error &refused) {
-        throw to_netconf_error(refused);
-    } catch (const walk_fault &fault) {
-        throw to_netconf_error(fault);
-    } catch (const ostore::store_error &failed) {
-        throw to_netconf_error(failed);
-    }
+    return answer([&] { return run(mapper, device, options); });
 }
 
 } // namespace service

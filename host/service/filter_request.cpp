@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
+#include <string_view>
 
 namespace service {
 
@@ -46,6 +48,33 @@ dtf_datatree bare(const dtf_datatree &node)
 }
 
 /*
+ * Keeps one leaf of each key of an entry's request, that with a value if there is one, for the plug-in takes a key that
+ * is there twice for a mistake. False where two values are asked of one key at once, which no entry has.
+ */
+bool unite_keys(dtf_datatree &request, const schema_node &list)
+{
+    const auto is_key = [&list](const dtf_datatree &leaf) {
+        const schema_node *const facts = list.child(leaf.tag);
+        return facts != nullptr && facts->is_key;
+    };
+    std::uint32_t kept = 0;
+    for (const dtf_datatree &child : children_of(request)) {
+        const auto before = std::span(request.children, kept);
+        const auto same = !is_key(child) ? before.end() : std::ranges::find_if(before, [&](const dtf_datatree &leaf) {
+            return std::string_view(leaf.tag) == child.tag;
+        });
+        if (same == before.end())
+            request.children[kept++] = child;
+        else if (value_of(*same).empty())
+            *same = child;
+        else if (!value_of(child).empty() && value_of(*same) != value_of(child))
+            return false;
+    }
+    request.child_count = kept;
+    return true;
+}
+
+/*
  * The filter node as a request, none where it can select nothing. `facts` is what is known of it, null for an element
  * that our model does not have: the plug-in reports that one.
  */
@@ -68,6 +97,8 @@ std::optional<dtf_datatree> request_of(const dtf_datatree &node, const schema_no
         framework::add_child(memory, request) = *below;
     }
     if (!children.empty() && children_of(request).empty())
+        return std::nullopt;
+    if (is_entry && !unite_keys(request, *facts))
         return std::nullopt;
     return request;
 }

@@ -1,6 +1,7 @@
 #include "service/get.h"
 
 #include "service/judge.h"
+#include "service/netconf_error.h"
 #include "service/stop_watch.h"
 
 #include "framework/document.h"
@@ -32,9 +33,7 @@ void tell(std::ostream &stream, const get_costs &costs)
     stream.precision(before);
 }
 
-} // namespace
-
-std::string get_document(const plugin &mapper, const device::folder &device, const get_options &options)
+std::string run(const plugin &mapper, const device::folder &device, const get_options &options)
 {
     /* Before the memory of the trees, which point into what it sees. */
     const ostore::read_transaction state(device.database());
@@ -62,6 +61,13 @@ std::string get_document(const plugin &mapper, const device::folder &device, con
     if (options.stats != nullptr)
         tell(*options.stats, costs);
     return text;
+}
+
+} // namespace
+
+std::string get_document(const plugin &mapper, const device::folder &device, const get_options &options)
+{
+    return answer([&] { return run(mapper, device, options); });
 }
 
 } // namespace service

@@ -30,7 +30,7 @@ struct get_options {
     walk_options walks;
 };
 
-/* Answers a get from what the device holds now. */
+/* Answers a get from what the device holds now. Throws netconf_error. */
 std::string get_document(const plugin &mapper, const device::folder &device, const get_options &options);
 
 } // namespace service

@@ -72,7 +72,10 @@ struct port_wish {
     spectrum_wishes spectrum;
 };
 
-/* All that a native request asks for: a root without a tag whose children are the native models' top containers. */
+/*
+ * All that a native request asks for: a root without a tag whose children are the native models' top containers. An
+ * entry that is not named concerns no controller: that is what comes of a request for all of them where there are none.
+ */
 struct native_wishes {
     explicit native_wishes(const dtf_datatree &request);
 

@@ -75,6 +75,12 @@ netconf_error::netconf_error(std::string_view type, std::string_view tag, std::s
 {
 }
 
+std::string_view error_tag_of(faultno code)
+{
+    const auto known = std::ranges::find(meanings, code, &fault_meaning::code);
+    return known == std::end(meanings) ? "operation-failed" : known->tag;
+}
+
 netconf_error to_netconf_error(const walk_fault &fault, const std::string &path)
 {
     const auto known = std::ranges::find(meanings, fault.code(), &fault_meaning::code);
@@ -86,6 +92,13 @@ netconf_error to_netconf_error(const walk_fault &fault, const std::string &path)
 
 netconf_error to_netconf_error(const framework::parse_error &refused)
 {
+    if (const auto *const wrong = dynamic_cast<const framework::attribute_error *>(&refused)) {
+        const bool is_unknown = wrong->how == framework::attribute_error::kind::unknown;
+        std::string element = wrong->path.substr(wrong->path.rfind('/') + 1);
+        element = element.substr(0, element.find('[')); /* its ordinal among equal ones */
+        return {"protocol", is_unknown ? "unknown-attribute" : "bad-attribute", wrong->path,
+                wrong->message + " (bad-attribute " + wrong->attribute + ", bad-element " + element + ")"};
+    }
     return {"rpc", "malformed-message", {}, refused.what()};
 }
 

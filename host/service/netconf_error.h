@@ -35,14 +35,31 @@ inline netconf_error application_error(std::string_view tag, std::string path, c
     return {"application", tag, std::move(path), message};
 }
 
+/* What a result code is to a client, an error-tag; "operation-failed" where the server alone is to blame. */
+std::string_view error_tag_of(faultno code);
+
 /* What the plug-in or the framework refused; `path` stands in where the fault has none. */
 netconf_error to_netconf_error(const walk_fault &fault, const std::string &path = {});
 
-/* A document that is none. */
+/* A document that is none, or has an attribute that is none. */
 netconf_error to_netconf_error(const framework::parse_error &refused);
 
 /* A store that could not be read or written. */
 netconf_error to_netconf_error(const ostore::store_error &failed);
+
+/* Does a request's work, and throws what goes wrong in it as what is answered to the client. */
+template <typename function> auto answer(function &&work)
+{
+    try {
+        return work();
+    } catch (const framework::parse_error &refused) {
+        throw to_netconf_error(refused);
+    } catch (const walk_fault &fault) {
+        throw to_netconf_error(fault);
+    } catch (const ostore::store_error &failed) {
+        throw to_netconf_error(failed);
+    }
+}
 
 } // namespace service
 

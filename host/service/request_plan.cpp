@@ -1,6 +1,7 @@
 #include "service/request_plan.h"
 
 #include "device/temporary_inventory.h"
+#include "service/netconf_error.h"
 #include "service/plan_text.h"
 #include "service/tree_access.h"
 #include "service/walk.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <stdexcept>
 #include <string_view>
 
 namespace service {
@@ -52,6 +54,12 @@ bool names_monitor(const dtf_datatree &request)
                                [](const dtf_datatree &monitor) { return !leaf_value(monitor, "name").empty(); });
 }
 
+/* A refused request, and what a server would answer. */
+[[noreturn]] void refuse(const walk_fault &fault)
+{
+    throw std::runtime_error(std::string(fault.what()) + "; NETCONF " + std::string(error_tag_of(fault.code())));
+}
+
 void note(const walk_options &walks, const char *what)
 {
     if (walks.diagnostics != nullptr)
@@ -70,7 +78,7 @@ request_plan::request_plan(const plugin &mapper, const dtf_datatree &request, st
 }
 
 std::string plan_document(const plugin &mapper, const plan_options &options)
-{
+try {
     framework::arena memory;
     framework::document_options reading;
     reading.use = is_read_kind(options.kind) ? framework::document_use::read : framework::document_use::edit;
@@ -88,6 +96,8 @@ std::string plan_document(const plugin &mapper, const plan_options &options)
     if (children_of(plan.native()).empty())
         note(options.walks, "the request concerns no native data");
     return plan_text(plan, options.format.value_or(written_as));
+} catch (const walk_fault &fault) {
+    refuse(fault);
 }
 
 } // namespace service

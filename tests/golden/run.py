@@ -16,7 +16,7 @@ A worked example of a document is a fenced block that begins with "$ ". "$ cat F
 follow; "$ chmon ..." is run and must print, on both outputs together, what follows it. A line that holds nothing but
 "..." stands for any number of lines.
 
-What differs from run to run in the plug-in's reports, a context's address and the source line, is not compared.
+What differs from run to run, times and in the plug-in's reports a context's address and the source line, is not compared.
 
 --write writes expected, expected-error and status of failing cases anew: read the difference before you keep it.
 """
@@ -74,7 +74,8 @@ def read(path):
 
 def steady(text):
     """The text without what differs from run to run."""
-    return re.sub(r"(:\d+ )?ctx=0x[0-9a-f]+", lambda found: (":LINE " if found[1] else "") + "ctx=CONTEXT", text)
+    text = re.sub(r"(:\d+ )?ctx=0x[0-9a-f]+", lambda found: (":LINE " if found[1] else "") + "ctx=CONTEXT", text)
+    return re.sub(r"[\d.]+ us\b", "TIME us", text)
 
 
 def difference(what, wanted, got):
