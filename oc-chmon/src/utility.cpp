@@ -435,10 +435,9 @@ int compare_path_and_return_data(dtf_map_ctx ctx, const struct dtf_datatree *nod
         return 1;
     }
     (void)dtf_strcat_s(__func__, path_so_far, value_size, "/");
-    if (NULL == node->children) {
-        return 0;
-    }
-    for (uint32_t i = 0; i < node->child_count; ++i) {
+    /* A count past 2^31 is as good as none. */
+    const int32_t count = NULL == node->children ? 0 : static_cast<int32_t>(node->child_count);
+    for (int32_t i = 0; i < count; ++i) {
         char child_path[value_size] = {};
         (void)dtf_strcpy_s(__func__, child_path, sizeof child_path, path_so_far);
         if (0 != compare_path_and_return_data(ctx, &node->children[i], wanted, child_path, output)) {

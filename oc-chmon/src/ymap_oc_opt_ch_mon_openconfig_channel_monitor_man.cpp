@@ -130,9 +130,11 @@ faultno op_chmon_cfg_name_to_low(dtf_map_ctx ctx, const struct dtf_datatree *in,
     char controller_name[name_size] = {};
     ENTER(ctx, in, out);
     faultno rc = FAULT_SUCCESS;
-    if (NULL != in->value && !is_deleted(ctx, in)) {
+    if (NULL != in->value) {
         convert_oc_key_to_controller_key(in->value, controller_name);
-        rc = add_interface(ctx, out, controller_name, source_of(ctx, in));
+        if (!is_deleted(ctx, in)) {
+            rc = add_interface(ctx, out, controller_name, source_of(ctx, in));
+        }
     }
     LEAVE(ctx, rc);
 }
