@@ -124,10 +124,11 @@ bool host::fails(bool copy)
     return fail_at != 0 && (calls == fail_at || (fail_on && calls > fail_at));
 }
 
-std::string host::name(const dtf_datatree *node) const
+const std::string &host::name(const dtf_datatree *node) const
 {
+    static const std::string null = "null", unknown = "unknown";
     const auto found = names.find(node);
-    return node == nullptr ? "null" : found == names.end() ? "unknown" : found->second;
+    return node == nullptr ? null : found == names.end() ? unknown : found->second;
 }
 
 const char *host::keep(std::string_view text)
@@ -247,7 +248,7 @@ std::string host::dump(const dtf_datatree *node, const std::string &indent) cons
     return all;
 }
 
-std::string host::imbalance()
+std::string host::imbalance(std::size_t stack_at_entry)
 {
     finish_report();
 #if RECORDING_ASAN
@@ -255,7 +256,7 @@ std::string host::imbalance()
 #endif
     const std::size_t left[] = {state.hierarchy_len,
                                 output_list.size(),
-                                itree.size(),
+                                itree.size() - stack_at_entry,
                                 tokens_held,
                                 walks,
                                 binds.size(),
@@ -407,8 +408,8 @@ void dtf_add_to_output_list_ctx(dtf_map_ctx ctx, const struct dtf_datatree *entr
     h.note("list_in " + h.name(entry) + ' ' + h.name(out));
     if (h.fails())
         return;
-    h.output_list.push_back(entry);
-    ++h.state.output_list_len;
+    if (++h.state.output_list_len != 0) // 8 bits: beyond them there is no entry to withdraw
+        h.output_list.push_back(entry);
 }
 
 void dtf_remove_from_output_list_ctx(dtf_map_ctx ctx, const struct dtf_datatree *entry, struct dtf_datatree *out)

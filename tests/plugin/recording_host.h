@@ -109,13 +109,14 @@ struct host {
     std::string added() const;
     /* Every field of a tree but its pointers. */
     std::string dump(const dtf_datatree *node, const std::string &indent = "") const;
-    std::string imbalance();
+    /* What was not given back, beyond what the instance-tree stack held at entry, and what broke the contract. */
+    std::string imbalance(std::size_t stack_at_entry = 0);
 
     /* The rest serves the operations. */
     void note(const std::string &line);
     void violate(bool broken, std::string_view what);
     bool fails(bool copy = false);
-    std::string name(const dtf_datatree *node) const;
+    const std::string &name(const dtf_datatree *node) const;
     const char *sprout(dtf_datatree &node, const char *p, const char *ns);
     void number(dtf_datatree &node);
     dtf_datatree *append(dtf_datatree &parent, const char *tag, const char *ns);

@@ -1,75 +1,31 @@
 /*
- * A walk over an OpenConfig request told a second time, plainly, one step after the other, on the recording double: the
- * account that the plug-in's walkers are compared with. Hooks are the plug-in's own; tables of their own test those.
+ * A walk over a request or a native tree told a second time, plainly, one step after the other, on the recording
+ * double: the account that the plug-in's walkers are compared with.
  */
 #pragma once
-#include "recording_host.h"
+#include "reference.h"
 
-namespace request {
-
-using plain_function = faultno (*)(dtf_map_ctx, const dtf_datatree *, dtf_datatree *);
-using counting_function = faultno (*)(dtf_map_ctx, const dtf_datatree *, unsigned, dtf_datatree *);
-
-// clang-format off
-enum node_id { top, config, state, channels, channel_state, monitor, channel, name, lower, upper, config_name,
-               config_port, state_name, state_port, state_lower, state_upper, state_power, node_ids };
-// clang-format on
-
-/* The nodes of the model: the path in the names of their functions, these functions, and what they have below. */
-struct node_facts {
-    std::string path, tag;
-    plain_function walk, hook;
-    counting_function count_hook;
-    plain_function augment;
-    std::vector<node_id> children;
-};
-#define OX(part) ymap_ox_oc_opt_ch_mon_openconfigchannelmonitor_##part
-#define NODE(path, tag, hook, count_hook, augment, ...)                                                                \
-    {                                                                                                                  \
-#path, tag, OX(lvla_##path), hook, count_hook, augment, { __VA_ARGS__ }                                        \
-    }
-#define CONTAINER(path, tag, ...)                                                                                      \
-    NODE(path, tag, nullptr, OX(cont_lvla_##path), OX(lvla_##path##_parse_augments), __VA_ARGS__)
-#define LIST(path, tag, ...)                                                                                           \
-    NODE(path, tag, OX(list_lvla_##path), nullptr, OX(lvla_##path##_parse_augments), __VA_ARGS__)
-#define LEAF(path, tag) NODE(path, tag, OX(leaf_lvla_##path), nullptr, nullptr, )
-inline const std::vector<node_facts> all_nodes = {
-    CONTAINER(channelmonitors, "channel-monitors", monitor),
-    CONTAINER(channelmonitors_channelmonitor_config, "config", config_name, config_port),
-    CONTAINER(channelmonitors_channelmonitor_state, "state", state_name, state_port),
-    CONTAINER(channelmonitors_channelmonitor_channels, "channels", channel),
-    CONTAINER(channelmonitors_channel_state, "state", state_lower, state_upper, state_power),
-    LIST(channelmonitors_channelmonitor, "channel-monitor", name, config, state, channels),
-    LIST(channelmonitors_channels_channel, "channel", lower, upper, channel_state),
-    LEAF(channelmonitors_channelmonitor_name, "name"),
-    LEAF(channelmonitors_channel_lowerfrequency, "lower-frequency"),
-    LEAF(channelmonitors_channel_upperfrequency, "upper-frequency"),
-    LEAF(channelmonitors_config_name, "name"),
-    LEAF(channelmonitors_config_monitorport, "monitor-port"),
-    LEAF(channelmonitors_state_name, "name"),
-    LEAF(channelmonitors_state_monitorport, "monitor-port"),
-    LEAF(channelmonitors_state_lowerfrequency, "lower-frequency"),
-    LEAF(channelmonitors_state_upperfrequency, "upper-frequency"),
-    LEAF(channelmonitors_state_power, "power"),
-};
-
-inline const std::string function_prefix = "ymap_ox_oc_opt_ch_mon_openconfigchannelmonitor_";
-inline bool is_list_key(node_id n) { return n == name || n == lower || n == upper; }
-inline bool deletes(const dtf_datatree *node) { return node->operation == 3 || node->operation == 4; }
+namespace reference {
 
 class model
 {
   public:
     explicit model(recording::host &host) : h(host) {}
 
-    faultno walk(node_id n, dtf_datatree *in)
+    faultno walk(id n, dtf_datatree *in)
     {
         say("TRC", n, "Start");
-        const faultno rc = all_nodes[n].count_hook != nullptr ? container(n, in)
-                           : all_nodes[n].augment != nullptr  ? list(n, in)
-                                                              : leaf(n, in);
+        const char kind_of = nodes[n].kind;
+        const faultno rc = !is_request(n)   ? native(n, in)
+                           : kind_of == 'c' ? container(n, in)
+                           : kind_of == 'l' ? list(n, in)
+                                            : leaf(n, in);
         say("TRC", n, "End");
         return rc;
+    }
+    faultno augment(const dtf_datatree *in)
+    {
+        return dtf_map_is_request_add(ctx, in) == 0 ? 0 : fail_with_tag(in->tag, FAULT_UNSUPPORTED_AUGMENT);
     }
 
   private:
@@ -83,16 +39,9 @@ class model
     dtf_req_ctx &r = h.state;
     const dtf_map_ctx ctx = &h.context;
     const uint32_t kind = h.request.data_input;
-    const bool read = kind == 0 || kind == 10, keyed = kind == 1 || kind == 8 || kind == 15;
+    const bool read = is_read(), keyed = is_keyed();
 
-    void say(const std::string &level, node_id n, const std::string &text)
-    {
-        const bool logged = (ctx->debug_filter.levels >> (level == "ERR" ? DTF_LEVEL_ERR : DTF_LEVEL_TRC) & 1) != 0;
-        if (ctx->trace_on != 0)
-            h.note(level + ' ' + function_prefix + "lvla_" + all_nodes[n].path + ": " + text);
-        else if (logged)
-            h.note(level + ' ' + text);
-    }
+    static void say(const char *level, id n, const string &text) { report(level, function_name(n), text); }
     static void set_operation(dtf_datatree *n, uint32_t to) { n->operation = to, n->flags |= DTF_FLAG_OP_SET; }
     static void set_kind(dtf_datatree *n, uint32_t to) { n->node_kind = to, n->kind_flags |= 0x04; }
     static void mark_key(dtf_datatree *n) { n->is_key = 1, n->flags |= DTF_FLAG_KEY; }
@@ -119,36 +68,83 @@ class model
         dtf_oc_error_path(ctx);
         return code;
     }
-    faultno fail_structure(node_id n, const char *text)
+    faultno fail_structure(id n, const char *text)
     {
         say("ERR", n, text);
         return FAULT_TREE_ERROR;
     }
-    faultno augment(const dtf_datatree *in)
-    {
-        return dtf_map_is_request_add(ctx, in) == 0 ? 0 : fail_with_tag(in->tag, FAULT_UNSUPPORTED_AUGMENT);
-    }
     /* A child the walker does not dispatch: unsupported in the own namespace, else for the augment handler. */
-    faultno other_child(node_id n, const dtf_datatree *child, bool &foreign)
+    faultno other_child(id n, const dtf_datatree *child, bool &foreign)
     {
-        foreign = child->ns == nullptr || std::string(CHMON_NS_OPENCONFIG_CHANNEL_MONITOR) != child->ns;
+        foreign = child->ns == nullptr || string(ns_of(top)) != child->ns;
         if (foreign)
             return augment(child);
-        const char *blank = all_nodes[n].count_hook != nullptr ? " " : "";
-        say("ERR", n, "Unsupported tag `" + std::string(child->tag) + '`' + blank + "is specified in the request.");
+        const char *blank = nodes[n].kind == 'c' ? " " : "";
+        say("ERR", n, "Unsupported tag `" + string(child->tag) + '`' + blank + "is specified in the request.");
         return read ? 0 : fail_with_tag(child->tag, FAULT_UNSUPPORTED_TAG);
     }
 
-    faultno leaf(node_id n, dtf_datatree *in)
+    faultno leaf(id n, dtf_datatree *in)
     {
-        const faultno rc = all_nodes[n].hook(ctx, in, &h.out);
+        const faultno rc = hook(n, in);
         if (r.expand_mode == 1 || r.delete_walk != 0)
             return rc;
-        const bool classified = read && !is_list_key(n);
+        const bool classified = read && n != name && n != lower && n != upper;
         set_kind(in, classified && valued(in) ? 6 : 1);
         if (classified)
             r.filter_flags |= valued(in) ? 0x10004 : 0x2;
         return rc;
+    }
+
+    faultno native(id n, dtf_datatree *in)
+    {
+        const facts &f = nodes[n];
+        if (f.kind == 'f') {
+            if ((in->flags & DTF_FLAG_ERROR_KIND) != 0 && in->error_kind == 5) {
+                say("TRC", n, "got xpath error node ");
+                r.req_flags |= 0x100;
+            }
+            return hook(n, in);
+        }
+        const bool is_entry = f.kind == 'l';
+        const uint32_t count = (in->flags & DTF_FLAG_HAS_SUBTREE) != 0 ? in->child_count : 0;
+        if (count > 0 && in->children == nullptr)
+            return fail_structure(n, "Failed to get subtrees!");
+        if (is_entry && count == 0)
+            say("ERR", n, "No keys specified with a list node.");
+        dtf_map_add_to_node_hierarchy(ctx, in, is_entry ? DTF_HIER_LIST : DTF_HIER_CONTAINER);
+        const faultno code = is_entry ? dtf_map_update_current_list_node(ctx, f.path) : 0;
+        for (uint32_t i = 0; code == 0 && i < count; ++i)
+            if (is_key(n, in->children[i]))
+                mark_key(&in->children[i]);
+        faultno rc = code != 0 ? code : hook(n, in);
+        if (is_entry && code == 0 && rc == FAULT_SKIP_ENTRY)
+            return dtf_map_remove_from_node_hierarchy(ctx, in), rc;
+        const uint8_t before = r.output_list_len;
+        if (is_entry)
+            dtf_add_to_output_list_ctx(ctx, in, &h.out);
+        const bool grew = before < r.output_list_len;
+        for (uint32_t i = 0; rc == 0 && i < count; ++i)
+            rc = native_child(n, &in->children[i]);
+        dtf_map_remove_from_node_hierarchy(ctx, in);
+        if (grew)
+            dtf_remove_from_output_list_ctx(ctx, in, &h.out);
+        return rc;
+    }
+
+    /* Operational data is walked for kind 10 alone; a container passes over entries that are skipped. */
+    faultno native_child(id n, dtf_datatree *child)
+    {
+        if (child->tag == nullptr)
+            return fail_structure(n, "Tag name is not available!");
+        for (const id known : nodes[n].children)
+            if (string(nodes[known].tag) == child->tag && (n >= interfaces || kind == 10)) {
+                const faultno rc = walk(known, child);
+                return nodes[known].kind == 'l' && rc == FAULT_SKIP_ENTRY ? 0 : rc;
+            }
+        if (child->ns != nullptr && string(ns_of(n)) == child->ns)
+            say("TRC", n, string("Unsupported tag `") + child->tag + "`. Ignoring.");
+        return 0;
     }
 
     void begin_replace(dtf_datatree *in)
@@ -165,7 +161,7 @@ class model
         r.replace_pending = 0;
     }
 
-    faultno container(node_id n, dtf_datatree *in)
+    faultno container(id n, dtf_datatree *in)
     {
         // 1 to 3: subtree, delete check, effective count
         const bool subtree = (in->flags & DTF_FLAG_HAS_SUBTREE) != 0, is_state = n == state || n == channel_state;
@@ -190,7 +186,7 @@ class model
         faultno rc = 0;
         for (int pass = 0; pass < (replace ? 2 : 1); ++pass) {
             // 6: hook and children
-            rc = rc != 0 ? rc : all_nodes[n].count_hook(ctx, in, effective, &h.out);
+            rc = rc != 0 ? rc : hook(n, in);
             for (uint32_t i = 0; i < effective && rc == 0; ++i)
                 rc = container_child(n, &children[i]);
             // 7, 8: sibling selection and expansion
@@ -213,24 +209,24 @@ class model
         return rc;
     }
 
-    faultno container_child(node_id n, dtf_datatree *child)
+    faultno container_child(id n, dtf_datatree *child)
     {
         if (child->tag == nullptr)
             return fail_structure(n, "Tag name is not available!");
-        for (const node_id known : all_nodes[n].children)
-            if (all_nodes[known].tag == child->tag)
+        for (const id known : nodes[n].children)
+            if (string(nodes[known].tag) == child->tag)
                 return walk(known, child);
         bool foreign = false;
         return other_child(n, child, foreign);
     }
 
-    void expand_container(node_id n, dtf_datatree *in)
+    void expand_container(id n, dtf_datatree *in)
     {
         const bool set = r.expand_mode != 1, switched = (n == top || n == config) && in->operation == 3;
         r.expand_mode = 1;
         if (switched)
             set_operation(in, 4);
-        for (const node_id child : all_nodes[n].children)
+        for (const id child : nodes[n].children)
             if (n == top || n == config || kind == 10)
                 walk(child, in);
         if (switched)
@@ -240,16 +236,9 @@ class model
         r.filter_flags &= 0x11111110 & ~6u;
     }
 
-    static bool is_key_tag(node_id list, const dtf_datatree *child)
+    faultno list(id n, dtf_datatree *in)
     {
-        const std::string tag = child->tag == nullptr ? "" : child->tag;
-        return list == monitor ? tag == "name" : tag == "lower-frequency" || tag == "upper-frequency";
-    }
-
-    faultno list(node_id n, dtf_datatree *in)
-    {
-        const char *const path =
-            n == monitor ? "/channel-monitors/channel-monitor" : "/channel-monitors/channel-monitor/channels/channel";
+        const char *const path = nodes[n].path;
         // 1, 2: subtree; none at all
         const bool subtree = (in->flags & DTF_FLAG_HAS_SUBTREE) != 0;
         const bool lost = subtree && in->children == nullptr && in->child_count != 0;
@@ -268,7 +257,7 @@ class model
         notes seen;
         for (uint32_t i = 0; rc == 0 && i < count && r.expand_mode != 1 && r.delete_walk == 0; ++i) {
             dtf_datatree *const child = &in->children[i];
-            if (!is_key_tag(n, child)) {
+            if (!is_key(n, *child)) {
                 seen.others = true;
                 continue;
             }
@@ -317,7 +306,7 @@ class model
         return rc;
     }
 
-    void list_pass(node_id n, dtf_datatree *in, const char *path, uint32_t count, notes &seen,
+    void list_pass(id n, dtf_datatree *in, const char *path, uint32_t count, notes &seen,
                    std::optional<dtf_itree_entry> &peeked, faultno &rc)
     {
         if (rc == 0) { // a to c: the hook and what it pushed
@@ -355,32 +344,30 @@ class model
                 dtf_map_remove_from_node_hierarchy(ctx, entry);
         }
         // e: the keys of a read that left them out
-        const std::vector<const char *> keys =
-            n == monitor ? std::vector{"name"} : std::vector{"lower-frequency", "upper-frequency"};
         if (rc != 0 || !read || r.expand_mode == 1 || !seen.others || seen.keys != 0)
             return;
-        for (const char *tag : keys) {
+        for (const string &tag : nodes[n].keys) {
             dtf_datatree *created = nullptr;
-            rc = dtf_map_datatree_add_path_flagged(ctx, in, tag, in->ns, nullptr, nullptr, &created, 0, 0);
+            rc = dtf_map_datatree_add_path_flagged(ctx, in, tag.c_str(), in->ns, nullptr, nullptr, &created, 0, 0);
             if (created != nullptr)
                 mark_key(created);
         }
     }
 
-    faultno list_hook(node_id n, dtf_datatree *in, uint32_t count, notes &seen)
+    faultno list_hook(id n, dtf_datatree *in, uint32_t count, notes &seen)
     {
         const bool by_key = deletes(in) && !seen.others && seen.keys != 0 && r.delete_walk == 0;
         const bool whole = !by_key && count == 0 && deletes(in) && r.delete_walk == 0 && r.expand_mode == 1;
         seen.delete_started = seen.delete_started || by_key || whole;
         seen.put_back = seen.put_back || whole;
         r.delete_walk = by_key ? 2 : whole ? 1 : r.delete_walk;
-        const faultno rc = all_nodes[n].hook(ctx, in, &h.out);
+        const faultno rc = hook(n, in);
         if (by_key || (whole && rc == FAULT_SKIP_ENTRY))
             r.delete_walk = 0;
         return rc;
     }
 
-    void list_iteration(node_id n, dtf_datatree *in, dtf_datatree *entry, uint32_t count, notes &seen, faultno &rc)
+    void list_iteration(id n, dtf_datatree *in, dtf_datatree *entry, uint32_t count, notes &seen, faultno &rc)
     {
         for (uint32_t i = 0; i < count && rc == 0; ++i)
             rc = list_child(n, &entry->children[i], seen);
@@ -396,8 +383,8 @@ class model
                 set_operation(entry, 4);
             dtf_map_util_itree_stack_push(ctx, children, parked, nullptr);
             set_subtree(entry, nullptr, 0, false);
-            for (const node_id child : all_nodes[n].children)
-                if (!is_list_key(child) && (kind == 10 || child == config || child == channels))
+            for (const id child : nodes[n].children)
+                if (nodes[child].kind != 'f' && (kind == 10 || child == config || child == channels))
                     walk(child, entry);
             augment(entry);
             r.expand_mode = set_expand ? 0 : 1;
@@ -413,7 +400,7 @@ class model
             r.delete_walk = set_delete ? 1 : r.delete_walk;
             if (switched)
                 set_operation(in, 4);
-            for (const node_id child : n == monitor ? std::vector{name, config, channels} : all_nodes[channel].children)
+            for (const id child : n == monitor ? std::vector{name, config, channels} : nodes[channel].children)
                 if (n == monitor || kind == 10)
                     walk(child, in);
             if (switched)
@@ -426,12 +413,12 @@ class model
         }
     }
 
-    faultno list_child(node_id n, dtf_datatree *child, notes &seen)
+    faultno list_child(id n, dtf_datatree *child, notes &seen)
     {
         if (child->tag == nullptr)
             return fail_structure(n, "Tag name is not available!");
-        const std::string tag = child->tag;
-        if (is_key_tag(n, child) && (n == monitor || kind == 10)) {
+        const string tag = child->tag;
+        if (is_key(n, *child) && (n == monitor || kind == 10)) {
             if (n == monitor && keyed && !valued(child)) {
                 say("ERR", n, "Empty list key specified.");
                 return fail_with_tag(child->tag, FAULT_LIST_KEY_ERROR);
@@ -448,8 +435,8 @@ class model
         }
         if ((r.req_flags & 0x40) != 0) // removal pass of a replace
             return 0;
-        for (const node_id known : all_nodes[n].children)
-            if (!is_list_key(known) && all_nodes[known].tag == tag &&
+        for (const id known : nodes[n].children)
+            if (nodes[known].kind != 'f' && tag == nodes[known].tag &&
                 (kind == 10 || known == config || known == channels)) {
                 seen.others = true;
                 return walk(known, child);
@@ -461,4 +448,4 @@ class model
     }
 };
 
-} // namespace request
+} // namespace reference

@@ -1,0 +1,449 @@
+#include "scenarios.h"
+#include <dlfcn.h>
+#include <random>
+#include <stdexcept>
+
+namespace recording {
+
+using namespace reference;
+
+namespace {
+
+/* ------------------------------------------------------------------------------------------------- generation -- */
+
+struct dice {
+    std::mt19937 engine;
+    uint32_t operator()(std::size_t sides) { return static_cast<uint32_t>(engine() % sides); }
+    bool one_in(uint32_t n) { return (*this)(n) == 0; }
+    template <typename T> T pick(std::initializer_list<T> of) { return of.begin()[(*this)(of.size())]; }
+};
+
+/* A tree below one node, as text: children none, keys alone, some, or most, and now and then strange ones. */
+string grow(dice &d, id n)
+{
+    const facts &f = nodes[n];
+    string text = d.one_in(40) ? "x:" : d.one_in(60) ? "-:" : "";
+    text +=
+        d.one_in(80)
+            ? " M+ Mn=0/2-CHMON-PRE Ms=0/2-CHMON-PRE Ms=0/2-OtsCtrl-0/1 C+ Cl=191325000 Cs=191325000 Cs=191375000 "
+              "Cu=191375000 Cs=-12.34 C+ Cs=2 Cu=2 Cs= C+ M+ C+ Cl=191325000 Cs=191325000 Cs=191375000 Cu=191375000 "
+              "Cs=-12.34 C+ Cs=2 Cu=2 Cs= C+ M+ Mn=0/3-CHMON-PRE Ms=0/3-CHMON-PRE Ms=0/3-OtsCtrl-0/1 M+"
+            : f.tag;
+    if (d.one_in(f.kind == 'l' ? 3 : f.kind == 'f' ? 8 : 5))
+        text += "@" + std::to_string(d.one_in(3) ? 1 : d(5));
+    if (f.kind == 'f' && is_request(n))
+        return text + (d.one_in(3) ? "" : d.pick({"=0/1-CHMON-PRE", "=0/2-CHMON-BST", "=-4.35", "=%s%n", "="}));
+    if (f.kind == 'f')
+        return text + (d.one_in(5) ? "" : d.pick({"=Ots0/2/0/1", "=Ots0/3/0/00", "=Ots0/9/0/1", "=-435", "=%s%n"}));
+    const uint32_t fill = d(5);
+    if (fill == 0)
+        return text + (d.one_in(4) ? "{}" : "");
+    text += '{';
+    for (const id child : f.children)
+        for (uint32_t copies = d.one_in(12) || (nodes[child].kind == 'l' && d.one_in(2)) ? 2 : 1; copies > 0; --copies)
+            if (nodes[child].kind == 'f' && f.kind == 'l' ? !d.one_in(fill == 4 ? 2 : 6) : fill > 1 && !d.one_in(fill))
+                text += grow(d, child) + ' ';
+    for (const char *strange : {"%s%n", "x:extra", "-:extra", "?", "config", "name"})
+        if (d.one_in(30))
+            text += strange + string(d.one_in(4) ? "@3 " : " ");
+    return text + '}';
+}
+
+faultno callback(dtf_map_ctx ctx, const dtf_datatree *node, dtf_datatree *out, uint32_t reserved)
+{
+    host &h = *current;
+    h.note(printed("callback %s %u %d", h.name(node).c_str(), reserved, ctx == &h.context && out == &h.out));
+    return 0x77;
+}
+
+/* Lets the framework push entries of its own within an addition of a list entry, as often as `times` says. */
+void push_on_add(host &h, dtf_itree_entry entry, uint32_t times)
+{
+    h.on_add = [entry, times](host &at, const addition &add) mutable {
+        if (add.new_list_entry == 1 && times > 0 && times-- > 0)
+            dtf_map_util_itree_stack_push(&at.context, entry.children, entry.count, entry.callback);
+    };
+}
+
+/* What is odd about a generated request beside its tree. */
+void preset(host &h, dice &d)
+{
+    if (d.one_in(3))
+        oddities[d(oddities.size())](*h.nodes[d.one_in(2) ? 0 : d(h.nodes.size())]);
+    if (d.one_in(8)) {
+        h.state.expand_mode = d.pick({0u, 1u, 1u, 2u});
+        h.state.delete_walk = d(3);
+        h.state.filter_flags = d.pick({0u, 1u, 2u, 4u, 5u, 0x10007u, 0xffffffffu});
+        h.state.req_flags = d.pick({0u, 0x40u, 0x80u, 0x1c0u});
+        h.state.replace_pending = d(2);
+    }
+    if (d.one_in(20))
+        h.context.trace_on = 0;
+    if (d.one_in(20))
+        h.context.trace_on = 0, h.context.debug_filter.levels = d.one_in(2) ? 0 : 1u << DTF_LEVEL_ERR;
+    if (d.one_in(4))
+        h.state.error_tag = dtf_strdup("old", "preset");
+    if (d.one_in(8))
+        h.leafref = 0x4455;
+    if (d.one_in(8))
+        h.request.req_option_bits = 4, h.request.req_scope = d(3);
+    if (d.one_in(8))
+        h.state.output_list_len = d.pick({uint8_t{254}, uint8_t{255}});
+}
+
+} // namespace
+
+scenario generated(uint32_t seed)
+{
+    dice d{std::mt19937(seed)};
+    scenario s;
+    s.start = d.one_in(3) ? static_cast<id>(d(ids)) : d.pick({top, top, top, monitor, ots, interfaces});
+    s.kind = d.pick({0u, 1u, 2u, 8u, 10u, 10u, 10u, 15u, 17u, 33u, 42u});
+    s.function = !d.one_in(8) ? 'w' : nodes[s.start].kind != 'f' && d.one_in(4) ? 'a' : 'h';
+    s.inventory = {s.inventory[d(6)], s.inventory[d(6)]};
+    s.tree = grow(d, s.start);
+    uint32_t times = 0;
+    bool nothing = false, called = false;
+    if (is_request(s.start) && d.one_in(2)) {
+        const id list = d.one_in(4) ? channel : monitor;
+        times = d.pick({1u, 1u, 2u, 3u});
+        called = d.one_in(2);
+        nothing = !called && d.one_in(5); // an entry of nothing: the list node's own children are walked
+        s.pushed = "entries{";
+        for (uint32_t i = d(3) + 1; i > 0; --i)
+            s.pushed += grow(d, list) + ' ';
+        s.pushed += '}';
+    }
+    s.leaves_entries = times > 1 || nothing || s.function == 'h';
+    s.change = [d, times, nothing, called, text = s.pushed](host &h) {
+        dice now = d;
+        preset(h, now);
+        if (times == 0)
+            return;
+        const dtf_datatree *const entries = h.plant(text, ns_of(top));
+        dtf_itree_entry entry{entries->children, entries->child_count, called ? &callback : nullptr};
+        if (nothing)
+            entry = {now.one_in(2) ? nullptr : entry.children, 0, nullptr};
+        push_on_add(h, entry, times);
+    };
+    s.pushed.clear();
+    return s;
+}
+
+namespace {
+
+const char *const long_text = [] {
+    static char text[301];
+    std::memset(text, '7', 300);
+    return text;
+}();
+
+} // namespace
+
+// clang-format off
+const std::vector<void (*)(dtf_datatree &)> oddities = {
+    [](auto &n) { n.tag = nullptr; }, [](auto &n) { n.tag = "%s%n"; }, [](auto &n) { n.tag = long_text; },
+    [](auto &n) { n.tag = "name"; }, [](auto &n) { n.tag = "rx-power"; }, [](auto &n) { n.tag = "config"; },
+    [](auto &n) { n.ns = nullptr; }, [](auto &n) { n.ns = "urn:foreign"; }, [](auto &n) { n.ns = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR; },
+    [](auto &n) { n.ns = CHMON_NS_VANTRA_TALIN_IFMGR_CFG; }, [](auto &n) { n.value = nullptr; }, [](auto &n) { n.value = ""; },
+    [](auto &n) { n.value = "%s%n%d"; }, [](auto &n) { n.value = long_text; }, [](auto &n) { n.value = "Ots0/3/0/1"; },
+    [](auto &n) { n.value = " -5e2x"; }, [](auto &n) { n.value = "Ots0/4294967298/0/1"; },
+    [](auto &n) { n.flags = ~DTF_FLAG_HAS_SUBTREE, n.child_count = 1000, n.children = nullptr; },
+    [](auto &n) { n.flags |= DTF_FLAG_HAS_SUBTREE, n.child_count = 2, n.children = nullptr; },
+    [](auto &n) { n.flags |= DTF_FLAG_HAS_SUBTREE, n.child_count = 0, n.children = nullptr; },
+    [](auto &n) { n.flags |= DTF_FLAG_HAS_SUBTREE; }, [](auto &n) { n.child_count = 0; },
+    /* Children that do not count; a replace would count them again. */
+    [](auto &n) { n.flags &= n.operation == 1 ? ~0u : ~DTF_FLAG_HAS_SUBTREE; },
+    [](auto &n) { n.flags |= DTF_FLAG_ERROR_KIND, n.error_kind = 5; }, [](auto &n) { n.error_kind = 5; },
+    [](auto &n) { n.flags |= DTF_FLAG_HAS_VALUE | DTF_FLAG_ERROR_KIND, n.error_kind = 4; }, [](auto &n) { n.flags &= ~DTF_FLAG_VALID; },
+    [](auto &n) { n.flags ^= DTF_FLAG_OP_SET; }, [](auto &n) { n.flags ^= DTF_FLAG_HAS_VALUE; },
+    [](auto &n) { n.operation = 1; }, [](auto &n) { n.operation = 3; }, [](auto &n) { n.operation = 5; }, [](auto &n) { n.operation = 0xffffffff; },
+    [](auto &n) { n.flags |= 0x10000000 | DTF_FLAG_KEY, n.is_key = 7, n.kind_flags = 0x50, n.node_kind = 99; }};
+// clang-format on
+
+/* ------------------------------------------------------------------------------------------------------ running -- */
+
+void *find(const string &name)
+{
+    static std::map<string, void *> known;
+    void *&address = known[name];
+    if (address == nullptr && (address = dlsym(RTLD_DEFAULT, name.c_str())) == nullptr)
+        throw std::runtime_error("not exported: " + name);
+    return address;
+}
+
+faultno call(const string &name, dtf_map_ctx ctx, const dtf_datatree *in, dtf_datatree *out)
+{
+    void *const address = find(name);
+    return name.find("_cont_") != string::npos ? reinterpret_cast<counting_function>(address)(ctx, in, 77, out)
+                                               : reinterpret_cast<plain_function>(address)(ctx, in, out);
+}
+
+namespace {
+
+/* All that may change of a request, word by word. */
+template <typename F> void for_each_word(const host &h, F &&f)
+{
+    for (const uint32_t word : {h.state.expand_mode, h.state.delete_walk, h.state.filter_flags, h.state.req_flags,
+                                h.state.replace_pending, h.context.list_node_op, h.context.data_printed})
+        f(word);
+    for (const dtf_datatree *node : h.nodes)
+        for (const uint32_t word :
+             {node->operation, node->node_kind, uint32_t{node->kind_flags}, uint32_t{node->is_key}, node->flags,
+              node->child_count, uint32_t{node->children != nullptr}})
+            f(word);
+}
+
+/* "channel-monitors:3{channel-monitor@4:4{name:1!}}": operation, node_kind, key. */
+string shape(const dtf_datatree *node)
+{
+    string text = node->tag == nullptr ? "?" : node->tag;
+    text += node->operation == 0 ? "" : "@" + std::to_string(node->operation);
+    text += (node->kind_flags & 0x04) == 0 ? "" : ":" + std::to_string(node->node_kind);
+    text += node->is_key == 1 && (node->flags & DTF_FLAG_KEY) != 0 ? "!" : "";
+    for (uint32_t i = 0; node->children != nullptr && i < node->child_count; ++i)
+        text += (i == 0 ? "{" : " ") + shape(&node->children[i]) + (i + 1 == node->child_count ? "}" : "");
+    return text;
+}
+
+/* A path in two letters, its list and its leaf: I an interface-configuration, O an ots-port, S a
+ * spectrum-slice-power-info; of OpenConfig's, with the value, C a channel and M a channel-monitor. */
+string short_addition(const addition &add)
+{
+    for (const auto &[list, letter] :
+         {std::pair{slice_path, 'S'}, {own_port, 'O'}, {own_interface, 'I'}, {own_channel, 'C'}, {own_monitor, 'M'}})
+        if (add.path.starts_with(list)) {
+            const string leaf = add.path.substr(list.size()), value = add.value ? "=" + *add.value : "";
+            return ' ' + (letter + (leaf.size() < 2 ? leaf : leaf.substr(1, 1))) +
+                   (letter == 'C' || letter == 'M' ? value : "") + (add.new_list_entry != 0 ? "+" : "");
+        }
+    return ' ' + add.path;
+}
+
+/* What must not change of a node: everything but the fields that are the plug-in's to write. (No framework starts a
+ * walk in the middle of an expansion; what is replaced there loses its children.) */
+bool is_kept(const dtf_datatree &before, const dtf_datatree &after, bool expanding)
+{
+    constexpr uint32_t written = DTF_FLAG_OP_SET | DTF_FLAG_HAS_SUBTREE | DTF_FLAG_KEY;
+    const bool children = before.children == after.children && before.child_count == after.child_count,
+               counted = (before.flags & DTF_FLAG_HAS_SUBTREE) != 0;
+    return before.tag == after.tag && before.value == after.value && before.ns == after.ns &&
+           before.source_index == after.source_index && before.error_kind == after.error_kind &&
+           before.child_room == after.child_room && ((before.flags ^ after.flags) & ~written) == 0 &&
+           (children || !counted || expanding || after.child_count > before.child_count);
+}
+
+faultno play(host &h, const scenario &s, dtf_datatree *in, bool by_account)
+{
+    if (!by_account)
+        return call(s.function == 'h'   ? hook_name(s.start)
+                    : s.function == 'a' ? function_name(s.start) + "_parse_augments"
+                                        : function_name(s.start),
+                    &h.context, in, &h.out);
+    if (s.function == 'a')
+        return is_request(s.start) ? model(h).augment(in) : 0;
+    return s.function == 'h' ? hook(s.start, in) : model(h).walk(s.start, in);
+}
+
+/* The lines of a run that the plug-in is held to: not pure questions and copies, whose number is its own affair. */
+void take_lines(const host &h, const std::vector<uint64_t> &sums, const std::vector<string> &states, outcome &result)
+{
+    static const std::set<string> own_affair = {"is_delete", "is_add", "itree_peak", "itree_size", "copy"};
+    for (std::size_t i = 0; i < h.lines.size(); ++i)
+        if (!own_affair.contains(h.lines[i].substr(0, h.lines[i].find(' '))))
+            result.lines.push_back(h.lines[i] + " ~" + std::to_string(sums[i]) + states[i]);
+    result.lines.push_back(printed("rc=%x error_tag=%s itree=%zu hierarchy=%u", result.rc,
+                                   h.state.error_tag == nullptr ? "null" : h.state.error_tag, h.itree.size(),
+                                   h.state.hierarchy_len));
+    for (const dtf_itree_entry &left : h.itree)
+        result.lines.push_back(left.children == nullptr ? "left" : "left " + h.name(left.children));
+}
+
+} // namespace
+
+outcome run(const scenario &s, const circumstance &c, bool by_account, bool readable)
+{
+    static const bool primed = [] { // the client library is looked for once in a process
+        host h({"0/1-CHMON-PRE"});
+        return check_controller_name_ots_is_good(&h.context, "Ots0/1/0/1") == 1;
+    }();
+    host h(s.inventory);
+    dtf_datatree *const in = h.plant(s.tree, ns_of(s.start));
+    h.request.data_input = s.kind;
+    h.context.list_node_op = 77;
+    h.poison = true;
+    if (!s.pushed.empty()) {
+        const dtf_datatree *const entries = h.plant(s.pushed, ns_of(top));
+        push_on_add(h, {entries->children, entries->child_count, &callback}, 1);
+    }
+    if (s.change)
+        s.change(h);
+    if (!c.reports)
+        h.context.trace_on = h.context.debug_filter.levels = 0;
+    h.fail_at = c.fail_at, h.fail_on = c.fail_on, h.fail_copies = c.fail_copies, h.fail_code = c.code;
+    h.calls = 0;
+    h.lines.clear();
+    const bool expanding = h.state.expand_mode == 1;
+    std::vector<dtf_datatree> before;
+    for (const dtf_datatree *node : h.nodes)
+        before.push_back(*node);
+    const std::size_t depth = h.itree.size();
+    std::vector<uint64_t> sums;
+    std::vector<string> states;
+    const bool watched = h.nodes.size() < 100; // more are too many to follow step by step
+    h.watch = [&] {
+        sums.push_back(0);
+        states.emplace_back();
+        if (watched)
+            for_each_word(h, [&](uint32_t word) {
+                sums.back() = (sums.back() ^ word) * 0x100000001b3u;
+                if (readable)
+                    states.back() += printed(" %x", word);
+            });
+    };
+    outcome result;
+    result.rc = play(h, s, in, by_account);
+    h.note("after");
+    h.watch = nullptr;
+    result.calls = h.calls;
+    take_lines(h, sums, states, result);
+    for (std::size_t i = 0; i < before.size(); ++i)
+        h.violate(!is_kept(before[i], *h.nodes[i], expanding), "changed: " + h.name(h.nodes[i]));
+    h.violate(!primed, "no client library");
+    const bool skipped = c.fail_at != 0 && c.code == FAULT_SKIP_ENTRY; // a walker leaves at once where its hook skips
+    result.broken = h.imbalance(s.leaves_entries || skipped ? h.itree.size() : depth);
+    for (const addition &add : h.additions)
+        result.summary += short_addition(add);
+    result.summary += (is_request(s.start) ? ' ' + shape(h.nodes[0]) : "") +
+                      (h.state.error_tag == nullptr ? "" : ' ' + string(h.state.error_tag));
+    return result;
+}
+
+string outcome::differs(const outcome &account) const
+{
+    std::size_t i = 0;
+    while (i < lines.size() && i < account.lines.size() && lines[i] == account.lines[i])
+        ++i;
+    if (lines == account.lines)
+        return broken;
+    string text;
+    for (std::size_t earlier = i < 25 ? 0 : i - 25; earlier < i; ++earlier)
+        text += "  " + lines[earlier] + '\n';
+    return text + "is       " + (i < lines.size() ? lines[i] : "nothing") + "\nexpected " +
+           (i < account.lines.size() ? account.lines[i] : "nothing") + '\n' + broken;
+}
+
+string compare(const scenario &s, const circumstance &c, std::size_t *calls)
+{
+    const outcome plugin = run(s, c, false);
+    if (calls != nullptr)
+        *calls = plugin.calls;
+    if (plugin.broken.empty() && plugin.lines == run(s, c, true).lines)
+        return "";
+    return printed("%s, function %c, kind %u, call %zu fails%s with %x\n%s\n", function_name(s.start).c_str(),
+                   s.function, s.kind, c.fail_at, c.fail_on ? " and all after" : "", c.code, s.tree.c_str()) +
+           run(s, c, false, true).differs(run(s, c, true, true));
+}
+
+/* -------------------------------------------------------------------------------------------------------- rows -- */
+
+namespace {
+
+const string slice_trees =
+    "ots-spectrum-info{spectrum-slice-power-info{lower-frequency=191325000 upper-frequency=191375000 rx-power=-1234 "
+    "x:aside} spectrum-slice-power-info@3{upper-frequency=2 odd=1 rx-power} spectrum-slice-power-info}";
+const string port_trees = "ots-oper{ots-ports{ots-port{name=Ots0/2/0/1 " + slice_trees + "} ots-port{" + slice_trees +
+                          " name=Ots0/4/0/1 after=1} x:ots-port{name=Ots0/3/0/10} ots-port ots-port@4{-:bare name} "
+                          "other} x:foreign{name=1}}";
+const string interface_trees =
+    "interface-configurations{interface-configuration{active=act interface-name=Ots0/2/0/1} x:aside "
+    "interface-configuration{active=act interface-name=GigabitEthernet0/0/0/1 mtu=9000} "
+    "interface-configuration{interface-name=Ots0/3/0/0 active=act} interface-configuration -:bare "
+    "interface-configuration{x:active interface-name} interface-configuration{}}";
+const string one = "channel-monitors{channel-monitor{name=0/1-CHMON-PRE", all = "channel-monitors";
+const string monitor_pre = " Mn=0/2-CHMON-PRE Mc=0/2-CHMON-PRE Mc=0/2-OtsCtrl-0/1";
+const string all_ports = " O+ On Oo O+ On Oo O+ On Oo O+ On Oo O+ On Oo O+ On Oo", slices = " S+ S/ Sl Su Sl Su Sr";
+
+/* Requests and what each comes to: result, additions, the request afterwards, error_tag. */
+const std::vector<scenario> rows = {
+    {top, 10, all, "", 0, all_ports + slices + " channel-monitors:3"},
+    {top, 0, "channel-monitors{channel-monitor{}}", "", 0,
+     " I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia channel-monitors:3{channel-monitor:4}"},
+    {top, 8, "channel-monitors{channel-monitor{}}", "", FAULT_TREE_ERROR, " channel-monitors:3{channel-monitor}"},
+    {top, 15, "channel-monitors{channel-monitor{name=a name=b}}", "", FAULT_LIST_KEY_ERROR,
+     " channel-monitors:3{channel-monitor:4{name! name!}} name"},
+    {top, 8, "channel-monitors{channel-monitor{name}}", "", FAULT_LIST_KEY_ERROR,
+     " channel-monitors:3{channel-monitor:4{name!}} name"},
+    {top, 0, "channel-monitors{channel-monitor{name config}}", "", 0,
+     " I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia "
+     "channel-monitors:3{channel-monitor:4{name:1! config:3}}"},
+    {top, 1, "channel-monitors{channel-monitor{name@4=0/1-CHMON-PRE}}", "", FAULT_KEY_DELETE,
+     " I+ channel-monitors:3{channel-monitor:4{name@4!}}"},
+    {top, 10, one + "}}", "", 0, " O+ Oo Ii Ia On" + slices + " channel-monitors:3{channel-monitor:4{name:1!}}"},
+    {monitor, 10, "channel-monitor{config{name}}", "", 0,
+     all_ports + " name channel-monitor:4{config:3{name:1} name!}"},
+    {top, 10, one + " config{name=0/1-CHMON-PRE monitor-port=p}}}", "", 0,
+     " O+ Oo Ii Ia On Ii Ia channel-monitors:3{channel-monitor:4{name:1! config:3{name:6 monitor-port:6}}}"},
+    {config, 10, "config{name=0/1-CHMON-PRE monitor-port}", "", 0, " Ii Ia config:3{name:6 monitor-port:1}"},
+    {top, 0, one + " state{name}}}", "", 0, " I+ Ii Ia channel-monitors:3{channel-monitor:4{name:1! state{name}}}"},
+    {top, 1, one + " state{name}}}", "", FAULT_UNSUPPORTED_TAG,
+     " I+ Ii Ia channel-monitors:3{channel-monitor:4{name:1! state{name}}} state"},
+    {config, 1, "config@1{name=0/1-CHMON-PRE x:new}", "", FAULT_UNSUPPORTED_AUGMENT,
+     " Ii Ia config@1:3{name:1 new} new"},
+    {top, 1, "channel-monitors{channel-monitor@1{name=0/1-CHMON-PRE config{name=0/1-CHMON-PRE}}}", "", 0,
+     " Ii Ia I+ Ii Ia Ii Ia channel-monitors:3{channel-monitor@1:4{name:1! config:3{name:1}}}"},
+    {top, 1, "channel-monitors@1{channel-monitor@1{name=0/1-CHMON-PRE config@1{name=0/1-CHMON-PRE}}}", "", 0,
+     " Ii Ia I+ Ii Ia Ii Ia channel-monitors:3{channel-monitor:4{name:1! config@1:3{name:1}}}"},
+    {top, 1, one + " config@3{name=0/1-CHMON-PRE}}}", "", FAULT_INVALID_ARGS,
+     " I+ Ii Ia channel-monitors:3{channel-monitor:4{name:1! config@3{name}}}"},
+    {state, 1, "state@3{name=0/1-CHMON-PRE}", "", 0, " On state@3:3{name:1}"},
+    {top, 1, "channel-monitors{channel-monitor@3{name=0/1-CHMON-PRE}}", "", 0,
+     " Ii Ia channel-monitors:3{channel-monitor@4:4{name:1!}}"},
+    {top, 2, "channel-monitors{channel-monitor@3}", "", 0, " channel-monitors:3{channel-monitor@3:4}"},
+    {top, 1, "channel-monitors@3", "", 0, " channel-monitors@3:3"},
+    {config, 10, "config{x:new -:new}", "", 0, " config:3{new new}"},
+    {top, 1, one + " -:new}}", "", FAULT_UNSUPPORTED_AUGMENT,
+     " I+ Ii Ia channel-monitors:3{channel-monitor:4{name:1! new}} new"},
+    {channels, 0, "channels{channel{lower-frequency=1 upper-frequency=2}}", "", 0,
+     " S+ channels:3{channel:4{lower-frequency! upper-frequency!}}"},
+    {channels, 10, "channels{channel{lower-frequency=1 upper-frequency=2}}", "", 0,
+     slices + " channels:3{channel:4{lower-frequency:1! upper-frequency:1!}}"},
+    {channels, 10, "channels{channel{state{power=-4.35}}}", "", 0,
+     " S+ Sr Sl Su Sr lower-frequency upper-frequency "
+     "channels:3{channel:4{state:3{power:6} lower-frequency! upper-frequency!}}"},
+    {channels, 1, "channels{channel{lower-frequency=1 upper-frequency=2}}", "", FAULT_UNSUPPORTED_TAG,
+     " S+ channels:3{channel:4{lower-frequency! upper-frequency!}} lower-frequency"},
+    {channels, 2, "channels{channel@3{}}", "", 0, " S+ channels:3{channel@3:4}"},
+    {channels, 10, "channels@3", "", 0, slices + " channels@3:3"},
+    {top, 10, all, "entries{channel-monitor{name=0/1-CHMON-PRE} channel-monitor{name=0/3-CHMON-PRE}}", 0,
+     all_ports + " Ii Ia On" + slices + " Ii Ia On" + slices + " channel-monitors:3"},
+    {channels, 10, "channels@3", "entries{channel{lower-frequency=1} channel}", 0,
+     " S+ S/ Sl Sl Su Sr Sl Su Sr S/ Sl Su Sl Su Sr channels@3:3"},
+    {top, 10, all, "entries{channel-monitor}", 0, all_ports + slices + " channel-monitors:3",
+     [](host &h) { h.itree.resize(65535); }, 'w', true},
+    {ots, 10, port_trees, "", 0,
+     " M+ Mn=0/2-CHMON-PRE Ms=0/2-CHMON-PRE Ms=0/2-OtsCtrl-0/1 C+ Cl=191325000 Cs=191325000 Cs=191375000 Cu=191375000 "
+     "Cs=-12.34 C+ Cs=2 Cu=2 Cs= C+ M+ C+ Cl=191325000 Cs=191325000 Cs=191375000 Cu=191375000 Cs=-12.34 C+ Cs=2 Cu=2 "
+     "Cs= C+ M+ Mn=0/3-CHMON-PRE Ms=0/3-CHMON-PRE Ms=0/3-OtsCtrl-0/1 M+"},
+    {ots, 0, port_trees, "", 0, ""},
+    {port, 10, "ots-port{name=Ots0/3/0/01 " + slice_trees + "}", "", 0,
+     " M+ Mn=0/3-CHMON-BST Ms=0/3-CHMON-BST Ms=0/3-OtsCtrl-0/0 C+ Cl=191325000 Cs=191325000 Cs=191375000 Cu=191375000 "
+     "Cs=-12.34 C+ Cs=2 Cu=2 Cs= C+"},
+    {ots, 10, "ots-oper{ots-ports{ots-port{name=Ots0/2/0/1}}}", "", 0,
+     " M+ Mn=0/2-CHMON-PRE Ms=0/2-CHMON-PRE Ms=0/2-OtsCtrl-0/1", [](host &h) { h.state.output_list_len = 255; }},
+    {slice, 10, "spectrum-slice-power-info@4{rx-power=5 lower-frequency=1}", "", 0, " C+ Cs=0.05 Cl=1 Cs=1"},
+    {interfaces, 0, interface_trees, "", 0,
+     " Mn=0/2-CHMON-PRE Mc=0/2-CHMON-PRE Mc=0/2-OtsCtrl-0/1 Mn=0/3-CHMON-BST Mc=0/3-CHMON-BST Mc=0/3-OtsCtrl-0/0"},
+    {interfaces, 10, "interface-configurations{interface-configuration{interface-name=Ots0/2/0/1}}", "", 0, "",
+     [](host &h) { h.request.req_option_bits = 4, h.request.req_scope = 2; }},
+    {interfaces, 1, "interface-configurations{interface-configuration{interface-name=Ots0/2/0/1}}", "", 0, monitor_pre,
+     [](host &h) { h.request.req_scope = 2; }},
+    {interfaces, 1, "interface-configurations{interface-configuration{interface-name=Ots0/2/0/1}}", "", 0, monitor_pre,
+     [](host &h) { h.request.req_option_bits = 4, h.request.req_scope = 1; }},
+};
+
+} // namespace
+
+const std::vector<scenario> &table() { return rows; }
+
+} // namespace recording

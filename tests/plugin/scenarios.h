@@ -1,0 +1,77 @@
+/*
+ * Runs of the plug-in, told as data: what is called with which tree, and in which circumstances. run() plays one, by
+ * the plug-in or by the account of it, and checks what holds after every call; loops over runs are the tests.
+ *
+ *     recording::scenario s = recording::generated(seed);                 or a row of table()
+ *     const auto is = recording::run(s, {.fail_at = 3, .fail_on = true}, false);
+ *     if (!is.broken.empty()) ...                    something was left over, freed twice, or changed and must not be
+ *     is.differs(recording::run(s, same, true))      "" or the first difference from the account
+ */
+#pragma once
+#include "walk_model.h"
+
+namespace recording {
+
+using reference::id;
+
+struct scenario {
+    id start = reference::top;
+    uint32_t kind = 10;
+    std::string tree{};
+    /* "entries{...}": list entries that the framework pushes within the first addition of a list entry. */
+    std::string pushed{};
+    /* Written by hand in the rows of table(): the result and the summary of the outcome. */
+    faultno rc = 0;
+    std::string expected{};
+    /* Whatever else is different from a plain request, done after planting. */
+    std::function<void(host &)> change{};
+    /* What is called of the start node: its walker, its hook ('h') or its augment handler ('a'). */
+    char function = 'w';
+    /* The framework pushes more than a walker takes off. */
+    bool leaves_entries = false;
+    std::vector<std::string> inventory = {"0/1-CHMON-BST", "0/1-CHMON-PRE", "0/2-CHMON-BST",
+                                          "0/2-CHMON-PRE", "0/3-CHMON-BST", "0/3-CHMON-PRE"};
+};
+
+/* As the members of the same name of `host`; reports: whether the two sinks are open. */
+struct circumstance {
+    std::size_t fail_at = 0;
+    bool fail_on = false, fail_copies = false;
+    faultno code = 0x1234;
+    bool reports = true;
+};
+
+struct outcome {
+    faultno rc = 0;
+    /* The calls, each with a sum over all that may have changed at it; then result and trees. */
+    std::vector<std::string> lines{};
+    std::size_t calls = 0;
+    /* What broke: violations of the contract, things left over, fields changed that are not the plug-in's. */
+    std::string broken{};
+    /* Additions in short, the request afterwards ("tag@operation:node_kind{...}", "!" a key), error_tag. */
+    std::string summary{};
+    std::string differs(const outcome &account) const;
+};
+
+/* Rows with what they come to, over both directions. */
+const std::vector<scenario> &table();
+/* Any scenario, from a seed: all start nodes, odd trees, presets, entries pushed. */
+scenario generated(uint32_t seed);
+/* Things that may be odd about one node. */
+extern const std::vector<void (*)(dtf_datatree &)> oddities;
+
+/* readable: sums over the states are written out, to explain a difference. */
+outcome run(const scenario &s, const circumstance &c, bool by_account, bool readable = false);
+
+/* "" when the plug-in does what the account does and nothing broke; else what repeats it and the first difference.
+ * calls: how many calls could have failed. */
+std::string compare(const scenario &s, const circumstance &c, std::size_t *calls = nullptr);
+
+/* An exported function by its name. */
+using plain_function = faultno (*)(dtf_map_ctx, const dtf_datatree *, dtf_datatree *);
+using counting_function = faultno (*)(dtf_map_ctx, const dtf_datatree *, unsigned, dtf_datatree *);
+void *find(const std::string &name);
+/* Calls it; a container hook is given a count, too. */
+faultno call(const std::string &name, dtf_map_ctx ctx, const dtf_datatree *in, dtf_datatree *out);
+
+} // namespace recording
