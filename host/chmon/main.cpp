@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <csignal>
 #include <exception>
 #include <iostream>
 #include <string>
@@ -66,6 +67,8 @@ int run(int argc, char **argv)
 int main(int argc, char **argv)
 {
     std::ios::sync_with_stdio(false);
+    /* A file that may not grow further is an error of its writing, as a full disk is, and no reason to be killed. */
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         return run(argc, argv);
     } catch (const std::exception &failure) {
