@@ -7,11 +7,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#ifdef __has_feature
-#define RECORDING_ASAN __has_feature(address_sanitizer)
-#else
-#define RECORDING_ASAN __SANITIZE_ADDRESS__ + 0
-#endif
 #if RECORDING_ASAN
 #include <sanitizer/asan_interface.h>
 #endif

@@ -28,6 +28,12 @@
 #include <string_view>
 #include <vector>
 
+/* 1 in a program with the address sanitizer. */
+#ifdef __has_feature
+#define RECORDING_ASAN __has_feature(address_sanitizer)
+#else
+#define RECORDING_ASAN (__SANITIZE_ADDRESS__ + 0)
+#endif
 namespace recording {
 
 using text_or_null = std::optional<std::string>;

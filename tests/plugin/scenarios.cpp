@@ -290,7 +290,7 @@ outcome run(const scenario &s, const circumstance &c, bool by_account, bool read
     const std::size_t depth = h.itree.size();
     std::vector<uint64_t> sums;
     std::vector<string> states;
-    const bool watched = h.nodes.size() < 100; // more are too many to follow step by step
+    const bool watched = c.reports && h.nodes.size() < 100; // more are too many to follow step by step
     h.watch = [&] {
         sums.push_back(0);
         states.emplace_back();

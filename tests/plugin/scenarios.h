@@ -33,7 +33,8 @@ struct scenario {
                                           "0/2-CHMON-PRE", "0/3-CHMON-BST", "0/3-CHMON-PRE"};
 };
 
-/* As the members of the same name of `host`; reports: whether the two sinks are open. */
+/* As the members of the same name of `host`; reports: whether the two sinks are open, and
+ * the states at each line count. */
 struct circumstance {
     std::size_t fail_at = 0;
     bool fail_on = false, fail_copies = false;
