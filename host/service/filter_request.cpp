@@ -81,15 +81,18 @@ bool unite_keys(dtf_datatree &request, const schema_node &list)
 std::optional<dtf_datatree> request_of(const dtf_datatree &node, const schema_node *facts, framework::arena &memory)
 {
     dtf_datatree request = bare(node);
+    /* Nothing is below what is unknown; so this goes no deeper than the model. */
+    if (facts == nullptr)
+        return request;
     /* Text beside elements never gets here, so this one is matched with text that a container does not have. */
-    if (facts != nullptr && !is_leaf(*facts) && !value_of(node).empty())
+    if (!is_leaf(*facts) && !value_of(node).empty())
         return std::nullopt;
     const auto children = children_of(node);
-    const bool is_entry = facts != nullptr && facts->kind == schema_kind::list;
+    const bool is_entry = facts->kind == schema_kind::list;
     for (const dtf_datatree &child : children) {
         if (!is_ours(child))
             continue;
-        auto below = request_of(child, facts == nullptr ? nullptr : facts->child(child.tag), memory);
+        auto below = request_of(child, facts->child(child.tag), memory);
         if (!below)
             continue;
         if (is_entry && children.size() > 1 && holds_match(*below))
