@@ -17,16 +17,24 @@ MDB_val as_key(const std::string &file, std::string_view key)
     return as_value(key);
 }
 
+/* Nobody else looks whether a reader's process is still there. */
+void clear_dead_readers(MDB_env *env)
+{
+    int cleared = 0;
+    mdb_reader_check(env, &cleared);
+}
+
 } // namespace
 
 transaction::transaction(const database &store, access how) : store_(store)
 {
     const unsigned int flags = how == access::read ? MDB_RDONLY : 0;
+    /* Readers that were killed keep their state's pages from being used again, and the file would grow without end. */
+    if (how == access::write)
+        clear_dead_readers(store.env_.get());
     int code = mdb_txn_begin(store.env_.get(), nullptr, flags, &txn_);
     if (code == MDB_READERS_FULL) {
-        /* Readers that were killed keep their places until somebody looks. */
-        int cleared = 0;
-        mdb_reader_check(store.env_.get(), &cleared);
+        clear_dead_readers(store.env_.get()); /* they keep their places, too */
         code = mdb_txn_begin(store.env_.get(), nullptr, flags, &txn_);
     }
     check_store(store.file(), "begin a transaction", code);

@@ -1,10 +1,11 @@
 /*
- * Edits whose process dies, edits by several processes at once, and edits that the disk has no room for.
+ * Edits whose process dies, edits by several processes at once, and edits whose calls to the disk fail.
  *
  * The state is a number: bit n is set when monitor n is configured. One edit replaces all monitors, so that a mixture
  * of two states is another number, and so is the state that an acknowledged edit is missing from.
  */
 #include "edit_device.h"
+#include "failing_calls.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +14,7 @@
 #include <cstdlib>
 #include <functional>
 #include <random>
-#include <sys/resource.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -97,7 +98,7 @@ class crash : public testing::Test
 int kills()
 {
     const char *const wanted = std::getenv("CHMON_KILLS");
-    return wanted == nullptr ? 200 : std::atoi(wanted);
+    return wanted == nullptr ? 100 : std::atoi(wanted);
 }
 
 TEST_F(crash, killed_at_any_moment_the_store_is_old_or_new)
@@ -179,25 +180,116 @@ TEST_F(crash, writers_take_turns_and_readers_see_one_state)
     EXPECT_EQ(state(), 0U) << "every create was followed by a delete";
 }
 
-TEST_F(crash, no_room_on_the_disk_is_one_clear_error)
+/* A change of many pages beside the small ones of edits: every record of a table. */
+void fill_items(device::folder &device, unsigned state)
 {
+    ostore::write_transaction txn(device.database());
+    for (unsigned n = 0; n < 200; n += 1 + state % 2)
+        txn.put(device.database().items(), std::to_string(n), std::string(100 * (n % 20), static_cast<char>(state)));
+    txn.put(device.database().items(), "last", std::string(1, static_cast<char>(state)));
+    txn.commit();
+}
+
+unsigned items_state(device::folder &device)
+{
+    const ostore::read_transaction txn(device.database());
+    const auto last = txn.get(device.database().items(), "last");
+    const unsigned found = last ? static_cast<unsigned char>(last->front()) : 0;
+    for (ostore::cursor at(txn, device.database().items()); found % 2 == 0 && at.next();)
+        EXPECT_TRUE(at.key().starts_with('/') ||
+                    at.value().find_first_not_of(static_cast<char>(found)) == std::string::npos)
+            << at.key();
+    return found;
+}
+
+/*
+ * Each call by which a change reaches the disk fails in turn, from the store's opening on: what was acknowledged is
+ * there, what was refused is not, and whoever opens the store next can work with it.
+ */
+TEST_F(crash, every_call_to_the_disk_fails)
+{
+    void *const shared = ::mmap(nullptr, sizeof(unsigned), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(shared, MAP_FAILED);
+    unsigned &calls = *static_cast<unsigned *>(shared);
+    unsigned cases = 0, refused = 0;
+    const auto try_call = [&](unsigned at, failing::how manner, bool on, bool many) {
+        const auto found = [&] {
+            const unsigned edited = state();
+            device::folder device = device::folder::open(path_);
+            return many ? items_state(device) : edited;
+        };
+        const unsigned before = found(), next = (before + 1) % states;
+        const pid_t editor = start([&] {
+            const service::plugin mapper;
+            failing::arm(at, manner, on);
+            int status = 0;
+            try {
+                device::folder device = device::folder::open(path_);
+                if (many)
+                    fill_items(device, next);
+                else
+                    edits::edit(mapper, device, folder_.path, edit_to(next));
+            } catch (const service::netconf_error &error) {
+                status = error.tag() == "resource-denied" || error.tag() == "operation-failed" ? 42 : 43;
+            } catch (const ostore::store_error &) {
+                status = 42;
+            }
+            calls = failing::calls();
+            ::_exit(status);
+        });
+        const int status = finish(editor);
+        const unsigned now = found();
+        const int failed = manner == failing::how::death ? -1 : 42;
+        EXPECT_TRUE(status == 0 ? now == next : status == failed && now == before)
+            << "call " << at << " of " << calls << ", way " << static_cast<int>(manner) << (on ? ", lasting" : "")
+            << (many ? ", many pages" : "") << ": status " << status << ", state " << now << " after " << before;
+        refused += status != 0;
+        return status == -1 || calls >= at;
+    };
+    using failing::how;
+    for (const how manner : {how::io_error, how::no_space, how::half, how::death})
+        for (const bool on : {false, true})
+            for (const bool many : {false, true})
+                for (unsigned at = 1; try_call(at, manner, on, many) && !HasFailure(); ++at)
+                    ++cases;
+    ::munmap(shared, sizeof(unsigned));
+    std::printf("failed_disk_calls=%u refused_or_killed=%u\n", cases, refused);
+    EXPECT_GE(refused, 80U);
+}
+
+/* A reader that died keeps no pages from being used again, and no writer waiting. */
+TEST_F(crash, dead_readers_hold_nothing)
+{
+    int go[2], ready[2];
+    ASSERT_TRUE(::pipe(go) == 0 && ::pipe(ready) == 0);
+    char byte = 0;
+    const pid_t reader = start([&] {
+        if (::read(go[0], &byte, 1) != 1)
+            return;
+        device::folder device = device::folder::open(path_);
+        const ostore::read_transaction held(device.database());
+        if (::write(ready[1], "", 1) == 1)
+            ::pause();
+    });
     const pid_t editor = start([&] {
         const service::plugin mapper;
         device::folder device = device::folder::open(path_);
-        std::ofstream(folder_.path / "edit.xml") << edit_to(5);
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{8192, 8192}; /* the store's first two pages */
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-        service::edit_options options;
-        options.document = folder_.path / "edit.xml";
-        try {
-            service::edit_device(mapper, device, options);
-        } catch (const service::netconf_error &error) {
-            ::_exit(error.tag() == "resource-denied" ? 42 : 43);
-        }
+        const auto size_after = [&](unsigned edits) {
+            for (unsigned n = 0; n < edits; ++n)
+                edits::edit(mapper, device, folder_.path, edit_to(n % states));
+            return std::filesystem::file_size(path_ / "store.mdb");
+        };
+        const auto before = size_after(20);
+        if (::write(go[1], "", 1) != 1 || ::read(ready[0], &byte, 1) != 1)
+            throw std::runtime_error("no reader");
+        ::kill(reader, SIGKILL);
+        ::usleep(50000); /* until its locks are gone */
+        const auto after = size_after(60);
+        if (after > before + (std::uintmax_t{128} << 10))
+            throw std::runtime_error("the store grew by " + std::to_string(after - before) + " bytes");
     });
-    EXPECT_EQ(finish(editor), 42);
-    EXPECT_EQ(state(), 0U);
+    EXPECT_EQ(finish(editor), 0);
+    EXPECT_EQ(finish(reader), -1);
 }
 
 } // namespace
