@@ -4,6 +4,7 @@
 #include "service/netconf_error.h"
 #include "service/request_plan.h"
 #include "service/tree_access.h"
+#include "service/tree_making.h"
 #include "service/walk.h"
 
 #include "framework/arena.h"
@@ -100,44 +101,18 @@ void check_by_plugin(const plugin &mapper, const dtf_datatree &monitors, framewo
     }
 }
 
-dtf_datatree &add(framework::arena &memory, dtf_datatree &parent, const char *tag, std::string_view value = {})
-{
-    dtf_datatree &node = framework::add_child(memory, parent);
-    node.tag = tag;
-    node.ns = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR;
-    if (!value.empty()) {
-        node.value = memory.copy(value);
-        node.flags |= DTF_FLAG_HAS_VALUE;
-    }
-    return node;
-}
-
-std::string_view word_of(edit_operation operation)
-{
-    switch (operation) {
-    case edit_operation::replace:
-        return "replace";
-    case edit_operation::create:
-        return "create";
-    case edit_operation::remove:
-    case edit_operation::remove_existing:
-        return "remove";
-    default:
-        return "merge";
-    }
-}
-
 /* The edit once more, as the changes it comes to: an operation per list entry, and all of the entry. Below a root. */
 dtf_datatree plain_request(const std::vector<monitor_change> &changes, framework::arena &memory)
 {
+    const char *const ns = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR;
     dtf_datatree document{};
-    dtf_datatree &monitors = add(memory, document, monitors_path + 1);
+    dtf_datatree &monitors = add_node(memory, document, monitors_tag, ns);
     for (const monitor_change &change : changes) {
-        dtf_datatree &entry = add(memory, monitors, "channel-monitor");
-        framework::set_operation(entry, *framework::operation_of(word_of(change.operation)));
-        add(memory, entry, "name", change.name);
+        dtf_datatree &entry = add_node(memory, monitors, "channel-monitor", ns);
+        framework::set_operation(entry, static_cast<std::uint32_t>(change.operation));
+        add_leaf(memory, entry, "name", change.name);
         if (!is_removal(change.operation))
-            add(memory, add(memory, entry, "config"), "name", change.name);
+            add_leaf(memory, add_node(memory, entry, "config", ns), "name", change.name);
     }
     framework::inherit_operations(document);
     return document;

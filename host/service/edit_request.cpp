@@ -12,15 +12,11 @@ namespace service {
 
 namespace {
 
-/* In the order of dtf_datatree.operation. */
-constexpr edit_operation by_number[] = {edit_operation::merge, edit_operation::replace, edit_operation::create,
-                                        edit_operation::remove_existing, edit_operation::remove};
-
 std::optional<edit_operation> own_operation(const dtf_datatree &node)
 {
-    if ((node.flags & DTF_FLAG_OP_SET) == 0 || node.operation >= std::size(by_number))
+    if ((node.flags & DTF_FLAG_OP_SET) == 0)
         return std::nullopt;
-    return by_number[node.operation];
+    return static_cast<edit_operation>(node.operation); /* the reader gives no others */
 }
 
 edit_node as_node(const dtf_datatree &node) { return {own_operation(node), std::string(value_of(node))}; }
@@ -31,11 +27,6 @@ struct place {
     const framework::schema_node &schema;
     std::string path;
 };
-
-bool is_leaf(const framework::schema_node &schema)
-{
-    return schema.kind != framework::schema_kind::container && schema.kind != framework::schema_kind::list;
-}
 
 void check_form(const place &at)
 {

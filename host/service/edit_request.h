@@ -2,6 +2,8 @@
 #ifndef SERVICE_EDIT_REQUEST_H
 #define SERVICE_EDIT_REQUEST_H
 
+#include "service/tree_access.h"
+
 #include "dtf.h"
 
 #include <optional>
@@ -10,7 +12,8 @@
 
 namespace service {
 
-/* The operations of RFC 6241, section 7.2; `none` is one of a whole edit only (default-operation). */
+/* The operations of RFC 6241, section 7.2, as dtf_datatree.operation numbers them; `none` is one of a whole edit only
+ * (default-operation). */
 enum class edit_operation { merge, replace, create, remove_existing, remove, none };
 
 /* Whether something is to go: "delete" (remove_existing), which insists that it is there, or "remove". */
@@ -40,8 +43,6 @@ struct edit_request {
     std::optional<edit_operation> operation;
     std::vector<monitor_edit> monitors;
 };
-
-inline constexpr const char *monitors_path = "/channel-monitors";
 
 /* /channel-monitors/channel-monitor[name='...'] */
 std::string monitor_path(const std::string &name);

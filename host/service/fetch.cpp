@@ -1,5 +1,7 @@
 #include "service/fetch.h"
 
+#include "service/tree_making.h"
+
 #include "framework/tree.h"
 
 #include "oc_chmon.h"
@@ -18,14 +20,6 @@ using device::native_tag;
 
 /* The leaves that a flat entry may have: one of each tag. */
 constexpr std::size_t most_leaves = device::native_tag_count;
-
-dtf_datatree &add_node(framework::arena &memory, dtf_datatree &parent, const char *tag, const char *ns)
-{
-    dtf_datatree &node = framework::add_child(memory, parent);
-    node.tag = tag;
-    node.ns = ns;
-    return node;
-}
 
 /* The child of that tag, made where there is none yet. */
 dtf_datatree &the_child(framework::arena &memory, dtf_datatree &parent, const char *tag, const char *ns)

@@ -19,13 +19,6 @@ namespace {
 using framework::schema_kind;
 using framework::schema_node;
 
-constexpr const char *top_tag = "channel-monitors";
-
-bool is_leaf(const schema_node &facts)
-{
-    return facts.kind != schema_kind::container && facts.kind != schema_kind::list;
-}
-
 bool is_ours(const dtf_datatree &node)
 {
     return node.ns == nullptr || framework::same_namespace(node.ns, CHMON_NS_OPENCONFIG_CHANNEL_MONITOR);
@@ -136,9 +129,9 @@ void add_requests(std::vector<dtf_datatree> &requests, const dtf_datatree &reque
 std::vector<dtf_datatree> requests_of(const dtf_datatree &filter, framework::arena &memory)
 {
     std::vector<dtf_datatree> requests;
-    const schema_node *const facts = framework::find_schema_node(top_tag);
+    const schema_node *const facts = framework::find_schema_node(monitors_tag);
     for (const dtf_datatree &top : children_of(filter)) {
-        if (!is_ours(top) || std::string_view(top.tag) != top_tag)
+        if (!is_ours(top) || std::string_view(top.tag) != monitors_tag)
             continue;
         if (const auto request = request_of(top, facts, memory))
             add_requests(requests, *request, memory);
@@ -149,7 +142,7 @@ std::vector<dtf_datatree> requests_of(const dtf_datatree &filter, framework::are
 dtf_datatree whole_request()
 {
     dtf_datatree top{};
-    top.tag = top_tag;
+    top.tag = monitors_tag;
     top.ns = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR;
     top.flags = DTF_FLAG_VALID;
     return top;

@@ -2,6 +2,7 @@
 
 #include "service/native_mapping.h"
 #include "service/tree_access.h"
+#include "service/tree_making.h"
 
 #include "device/native_reader.h"
 #include "framework/arena.h"
@@ -35,26 +36,16 @@ std::set<std::string> configured_interfaces(const plugin &mapper, const ostore::
     return interfaces;
 }
 
-dtf_datatree &add(framework::arena &memory, dtf_datatree &parent, const char *tag, std::string_view value = {})
-{
-    dtf_datatree &node = framework::add_child(memory, parent);
-    node.tag = tag;
-    node.ns = CHMON_NS_VANTRA_TALIN_IFMGR_CFG;
-    if (!value.empty()) {
-        node.value = memory.copy(value);
-        node.flags |= DTF_FLAG_HAS_VALUE;
-    }
-    return node;
-}
-
 /* What the plug-in makes of an interface that is in force; a root without children where that is nothing. */
 dtf_datatree map_interface(const plugin &mapper, const std::string &interface, framework::arena &memory,
                            const walk_options &walks)
 {
     dtf_datatree native{};
-    dtf_datatree &entry = add(memory, add(memory, native, "interface-configurations"), "interface-configuration");
-    add(memory, entry, "active", configured_activity);
-    add(memory, entry, "interface-name", interface);
+    const char *const ns = CHMON_NS_VANTRA_TALIN_IFMGR_CFG;
+    dtf_datatree &top = add_node(memory, native, "interface-configurations", ns);
+    dtf_datatree &entry = add_node(memory, top, "interface-configuration", ns);
+    add_leaf(memory, entry, "active", configured_activity);
+    add_leaf(memory, entry, "interface-name", interface);
     return map_native(mapper, native, "interface " + interface, memory, 0, walks);
 }
 

@@ -20,8 +20,6 @@ namespace service {
 
 namespace {
 
-constexpr const char *top_tag = "channel-monitors";
-
 framework::mapping_options request_options(const plugin &mapper, std::uint32_t kind, framework::arena &memory,
                                            const walk_options &walks)
 {
@@ -38,12 +36,12 @@ const dtf_datatree &request_in(const dtf_datatree &document, const std::string &
     if (tops.empty())
         throw wrong_model(name + ": the document holds no request");
     for (const dtf_datatree &top : tops) {
-        if (std::string_view(top.tag) != top_tag ||
+        if (std::string_view(top.tag) != monitors_tag ||
             !framework::same_namespace(top.ns, CHMON_NS_OPENCONFIG_CHANNEL_MONITOR))
-            throw wrong_model(name, top, std::string(top_tag) + " in " + CHMON_NS_OPENCONFIG_CHANNEL_MONITOR);
+            throw wrong_model(name, top, std::string(monitors_tag) + " in " + CHMON_NS_OPENCONFIG_CHANNEL_MONITOR);
     }
     if (tops.size() > 1)
-        throw wrong_model(name + ": a request has one " + top_tag + ", this document has " +
+        throw wrong_model(name + ": a request has one " + monitors_tag + ", this document has " +
                           std::to_string(tops.size()));
     return tops.front();
 }

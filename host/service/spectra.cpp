@@ -2,6 +2,7 @@
 
 #include "service/read.h"
 #include "service/tree_access.h"
+#include "service/tree_making.h"
 
 #include "framework/arena.h"
 #include "framework/tree.h"
@@ -70,24 +71,16 @@ std::vector<chart::monitor> monitors_of(const dtf_datatree &reply)
     return monitors;
 }
 
-dtf_datatree &add(framework::arena &memory, dtf_datatree &parent, const char *tag)
-{
-    dtf_datatree &child = framework::add_child(memory, parent);
-    child.tag = tag;
-    child.ns = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR;
-    return child;
-}
-
 /* A filter for the name of one monitor and all that it has; without a name, for the names of all of them. */
 dtf_datatree filter_for(const char *name, framework::arena &memory)
 {
+    const char *const ns = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR;
     dtf_datatree filter{};
-    filter.flags = DTF_FLAG_VALID;
-    dtf_datatree &leaf = add(memory, add(memory, add(memory, filter, "channel-monitors"), "channel-monitor"), "name");
-    if (name != nullptr) {
-        leaf.value = name;
-        leaf.flags |= DTF_FLAG_HAS_VALUE;
-    }
+    dtf_datatree &entry = add_node(memory, add_node(memory, filter, monitors_tag, ns), "channel-monitor", ns);
+    if (name == nullptr)
+        add_node(memory, entry, "name", ns);
+    else
+        add_leaf(memory, entry, "name", name);
     return filter;
 }
 

@@ -1,7 +1,8 @@
-/* Looking at data trees. */
+/* Looking at data trees, and what is known of them. */
 #ifndef SERVICE_TREE_ACCESS_H
 #define SERVICE_TREE_ACCESS_H
 
+#include "framework/schema_facts.h"
 #include "framework/tree.h"
 
 #include <span>
@@ -29,6 +30,16 @@ inline std::string_view leaf_value(const dtf_datatree &parent, std::string_view 
     const dtf_datatree *const leaf = framework::find_child(parent, tag);
     return leaf == nullptr ? std::string_view() : value_of(*leaf);
 }
+
+/* Whether the schema knows a node as a leaf. */
+inline bool is_leaf(const framework::schema_node &schema)
+{
+    return schema.kind != framework::schema_kind::container && schema.kind != framework::schema_kind::list;
+}
+
+/* The top container of the model that clients speak, and its path. */
+inline constexpr const char *monitors_path = "/channel-monitors";
+inline constexpr const char *monitors_tag = monitors_path + 1;
 
 } // namespace service
 
