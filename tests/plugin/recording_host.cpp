@@ -59,6 +59,12 @@ std::string printed(const char *format, ...)
     return text;
 }
 
+std::size_t share()
+{
+    const char *const text = std::getenv("CHMON_SHARE");
+    return text != nullptr ? std::strtoul(text, nullptr, 10) : RECORDING_ASAN ? 4 : 1;
+}
+
 host::host(const std::vector<std::string> &inventory)
 {
     context.req_ctx = &state;

@@ -29,10 +29,12 @@
 #include <vector>
 
 /* 1 in a program with the address sanitizer. */
-#ifdef __has_feature
+#if defined(__has_feature)
 #define RECORDING_ASAN __has_feature(address_sanitizer)
+#elif defined(__SANITIZE_ADDRESS__)
+#define RECORDING_ASAN 1
 #else
-#define RECORDING_ASAN (__SANITIZE_ADDRESS__ + 0)
+#define RECORDING_ASAN 0
 #endif
 namespace recording {
 
@@ -70,6 +72,9 @@ struct report {
 };
 
 std::string printed(const char *format, ...) DTF_PRINTF_LIKE(1, 2);
+
+/* The loops run each share()-th of their cases: CHMON_SHARE, else all, or a quarter with the address sanitizer. */
+std::size_t share();
 
 struct host {
     explicit host(const std::vector<std::string> &inventory = {});

@@ -66,11 +66,11 @@ TEST(utility, bounds)
 {
     const host copies;
     std::size_t cases = 0;
-    const printed_at_end figure{"bounds", cases, 20000};
+    const printed_at_end figure{"bounds", cases, 20000 / share()};
     buffer<601> input, value;
     buffer<200> path, output;
     string expected;
-    for (std::size_t length = 0; length <= 600; ++length)
+    for (std::size_t length = 0; length <= 600; length += length < 30 || length % 100 > 50 ? 1 : share())
         for (const string &cycle : cycles) {
             const string given = text_of(cycle, length);
             const char *const text = input.hold(given);
@@ -307,8 +307,7 @@ TEST(utility, numbers)
     std::size_t decimals = 0;
     const printed_at_end figure{"decimals", decimals, 1000};
     const char *const wanted = std::getenv("CHMON_DECIMALS");
-    for (const std::size_t all = wanted == nullptr ? (RECORDING_ASAN ? 50000 : 1000000)
-                                                   : std::strtoul(wanted, nullptr, 10);
+    for (const std::size_t all = wanted == nullptr ? 1000000 / share() / share() : std::strtoul(wanted, nullptr, 10);
          decimals < all; ++decimals) {
         const bool negative = random() % 2 == 0;
         const uint64_t count = random() >> (14 + random() % 50); // up to 15 digits
