@@ -57,9 +57,9 @@ inline constexpr const char *nowhere_namespace = "urn:chmon:nowhere";
 enum class document_use {
     data, /* device data or a reply: an empty JSON text is an empty value; edit operations are errors */
     /*
-     * A filter: value-less leaves select; values are without the white space around them; edit operations are checked
-     * and ignored. An XML element with other attributes wants data that has them (RFC 6241, 6.2.2): since no data has
-     * any, it comes with the nowhere_namespace.
+     * A filter: value-less leaves select; edit operations are checked and ignored. An XML element with other
+     * attributes wants data that has them (RFC 6241, 6.2.2): since no data has any, it comes with the
+     * nowhere_namespace.
      */
     read,
     edit, /* an edit: value-less leaves are legal; edit operations are set and inherited (edit_operations.h) */

@@ -5,7 +5,6 @@
 #include "name_table.h"
 #include "schema_facts.h"
 #include "tree_builder.h"
-#include "xml_text.h"
 
 #include <algorithm>
 #include <simdjson.h>
@@ -90,7 +89,6 @@ class json_reader
     void open_object(ondemand::object object, const char *ns);
     void read_scalar(ondemand::value value, const name_entry &name, const char *ns);
     void read_string(ondemand::value value, dtf_datatree &leaf);
-    std::string_view trimmed(std::string_view text);
     void read_null(dtf_datatree &leaf);
 
     void read_annotation(std::string_view target, ondemand::value value);
@@ -275,23 +273,14 @@ void json_reader::read_string(ondemand::value value, dtf_datatree &leaf)
     const char *const text = take(value.get_raw_json_string()).raw();
     bool has_escapes = false;
     const char *const end = string_end(text, has_escapes);
-    std::string_view decoded(text, static_cast<std::size_t>(end - text));
-    if (has_escapes)
-        decoded = unescape(text, decoded.size());
-    else
-        text_.bytes[static_cast<std::ptrdiff_t>(offset_of(end))] = '\0';
-    if (use_ == document_use::read)
-        decoded = trimmed(decoded);
-    if (!decoded.empty() || use_ == document_use::data)
-        set_value(leaf, decoded.data());
-}
-
-/* Without the white space around it, for which no filter asks (RFC 6241, 6.2.5); terminated as the text was. */
-std::string_view json_reader::trimmed(std::string_view text)
-{
-    const std::string_view rest = trim_xml(text);
-    return rest.data() + rest.size() == text.data() + text.size() ? rest
-                                                                  : std::string_view(memory_.copy(rest), rest.size());
+    if (end == text && use_ != document_use::data)
+        return;
+    if (has_escapes) {
+        set_value(leaf, unescape(text, static_cast<std::size_t>(end - text)).data());
+        return;
+    }
+    text_.bytes[static_cast<std::ptrdiff_t>(offset_of(end))] = '\0';
+    set_value(leaf, text);
 }
 
 void json_reader::read_null(dtf_datatree &leaf)

@@ -3,6 +3,7 @@
 #include "service/judge.h"
 #include "service/netconf_error.h"
 #include "service/stop_watch.h"
+#include "service/subtree_filter.h"
 
 #include "framework/document.h"
 
@@ -48,6 +49,7 @@ std::string run(const plugin &mapper, const device::folder &device, const get_op
         const auto text = framework::read_document_text(*options.filter, reading.size_limit);
         format = framework::format_of(text);
         filter = framework::parse_document(text, memory, reading);
+        trim_texts(*filter, memory);
     }
     costs.parse = watch.lap();
     const dtf_datatree reply = read(mapper, state, filter ? &*filter : nullptr,

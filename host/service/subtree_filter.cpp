@@ -123,7 +123,30 @@ class cutter
     std::vector<const dtf_datatree *> stack_;
 };
 
+std::string_view trimmed(std::string_view text)
+{
+    constexpr const char *white_space = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(white_space);
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(white_space) + 1 - first);
+}
+
 } // namespace
+
+void trim_texts(dtf_datatree &filter, framework::arena &memory)
+{
+    for (std::vector<dtf_datatree *> open = {&filter}; !open.empty();) {
+        dtf_datatree &node = *open.back();
+        open.pop_back();
+        const std::string_view text = value_of(node), rest = trimmed(text);
+        if (rest.size() != text.size())
+            node.value = memory.copy(rest);
+        if (rest.empty())
+            node.flags &= ~DTF_FLAG_HAS_VALUE;
+        for (dtf_datatree &child : children_of(node))
+            open.push_back(&child);
+    }
+}
 
 dtf_datatree cut_to_filter(const dtf_datatree &data, const dtf_datatree &filter, framework::arena &memory)
 {
