@@ -5,6 +5,7 @@
 #ifndef FRAMEWORK_ARENA_H
 #define FRAMEWORK_ARENA_H
 
+#include "big_block.h"
 #include "dtf.h"
 
 #include <cstddef>
@@ -55,7 +56,7 @@ class arena
     std::size_t left_ = 0;
     std::size_t used_ = 0;
     bool poison_ = false;
-    std::vector<std::unique_ptr<std::byte[]>> blocks_;
+    std::vector<memory_block> blocks_;
     std::vector<std::shared_ptr<const void>> kept_;
 };
 
@@ -74,7 +75,7 @@ inline std::byte *arena::take(std::size_t size)
 
 inline void *arena::allocate(std::size_t size)
 {
-    /* Texts leave the next byte anywhere, so objects align it first. Blocks themselves come aligned from new[]. */
+    /* Texts leave the next byte anywhere, so objects align it first. Blocks themselves come aligned. */
     const std::size_t padding = -reinterpret_cast<std::uintptr_t>(next_) % alignment;
     if (size + padding > left_)
         return take(size);

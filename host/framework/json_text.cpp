@@ -1,7 +1,6 @@
 #include "json_text.h"
 
 #include <algorithm>
-#include <array>
 
 namespace framework {
 
@@ -13,17 +12,6 @@ std::size_t count_digits(std::string_view text)
 {
     return static_cast<std::size_t>(std::ranges::find_if_not(text, is_digit) - text.begin());
 }
-
-/* Which characters of a text are not simply copied. */
-constexpr std::array<bool, 256> make_special()
-{
-    std::array<bool, 256> special = {};
-    for (std::size_t c = 0; c < special.size(); ++c)
-        special[c] = c < 0x20 || c >= 0x80 || c == '"' || c == '\\';
-    return special;
-}
-
-constexpr std::array<bool, 256> special = make_special();
 
 void put_escape(text_sink &sink, char c)
 {
@@ -88,17 +76,15 @@ void put_json_string(text_sink &sink, const char *text)
     sink.put("\"");
 }
 
-/* Runs of plain characters go over in one piece. */
+/* Runs of plain characters go over as they are. */
 void put_json_text(text_sink &sink, const char *text)
 {
     for (;;) {
-        const char *const start = text;
-        while (!special[static_cast<unsigned char>(*text)])
-            ++text;
-        sink.put({start, static_cast<std::size_t>(text - start)});
+        sink.taken(copy_plain(sink.room(), text, json_special, text_sink::most_room));
         if (*text == '\0')
             return;
-        put_special(sink, text);
+        if (json_special[static_cast<unsigned char>(*text)])
+            put_special(sink, text);
     }
 }
 

@@ -4,9 +4,21 @@
 
 #include "text_sink.h"
 
+#include <cstddef>
 #include <string_view>
 
 namespace framework {
+
+/* Of a JSON string. */
+constexpr special_characters make_json_special()
+{
+    special_characters special = {};
+    for (std::size_t c = 0; c < special.size(); ++c)
+        special[c] = c < 0x20 || c >= 0x80 || c == '"' || c == '\\';
+    return special;
+}
+
+inline constexpr special_characters json_special = make_json_special();
 
 /* Whether a text may stand in JSON as a number (RFC 8259, section 6). */
 bool is_json_number(std::string_view text);

@@ -2,10 +2,12 @@
 
 #include "json_text.h"
 #include "schema_facts.h"
-#include "text_sink.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <cstring>
+#include <deque>
 #include <map>
 #include <span>
 #include <utility>
@@ -24,7 +26,10 @@ siblings children_of(const dtf_datatree &node)
 
 bool same_name(const dtf_datatree &a, const dtf_datatree &b)
 {
-    return (a.tag == b.tag || std::strcmp(a.tag, b.tag) == 0) && same_namespace(a.ns, b.ns);
+    /* Most names differ in their first character already. */
+    if (a.tag != b.tag && (*a.tag != *b.tag || std::strcmp(a.tag, b.tag) != 0))
+        return false;
+    return same_namespace(a.ns, b.ns);
 }
 
 /* How many nodes at the beginning have the first one's name. */
@@ -72,42 +77,101 @@ std::vector<dtf_datatree> put_together(siblings nodes)
     return together;
 }
 
-/* An object's members: what is known of the node they are below, and how deep they are. */
-struct scope {
-    const dtf_datatree *above;
-    const schema_node *facts;
-    std::size_t level;
+/*
+ * A member name in its parent's module with what the schema tells of it, ready to be copied. Trees name few different
+ * members, and equal names below equal parents are mostly the same texts, so they are known by their addresses.
+ */
+class ready_names
+{
+  public:
+    /* Bytes that copying a name writes, however short it is. */
+    static constexpr std::size_t room = 64;
+
+    struct entry {
+        const char *tag = nullptr;
+        const schema_node *facts_above = nullptr;
+        const schema_node *facts = nullptr;
+        std::size_t size = 0; /* of the name's text; 0: it is not kept ready */
+        std::array<char, room> text;
+    };
+
+    explicit ready_names(bool pretty) : pretty_(pretty) {}
+
+    /* What is known of `node`, a child of `above` in the same namespace. */
+    const entry &find(const dtf_datatree &node, const dtf_datatree &above, const schema_node *facts_above)
+    {
+        const auto address = reinterpret_cast<std::uintptr_t>(node.tag) ^ reinterpret_cast<std::uintptr_t>(facts_above);
+        entry &slot = entries_[(address >> 2) % entries_.size()];
+        if (slot.tag != node.tag || slot.facts_above != facts_above)
+            make(slot, node, above, facts_above);
+        return slot;
+    }
+
+  private:
+    void make(entry &slot, const dtf_datatree &node, const dtf_datatree &above, const schema_node *facts_above)
+    {
+        slot.tag = node.tag;
+        slot.facts_above = facts_above;
+        slot.facts = schema_of(node, above, facts_above);
+        slot.size = 0;
+        const char *rest = node.tag;
+        constexpr std::size_t most = room - 4; /* quotes, colon, space */
+        char *const end = copy_plain(slot.text.data() + 1, rest, json_special, most);
+        if (*rest != '\0')
+            return;
+        slot.text[0] = '"';
+        std::memcpy(end, "\": ", 3);
+        slot.size = static_cast<std::size_t>(end - slot.text.data()) + (pretty_ ? 3 : 2);
+    }
+
+    bool pretty_;
+    std::array<entry, 64> entries_;
 };
 
 class json_writer
 {
   public:
-    json_writer(std::string &out, const json_write_options &options) : sink_(out), options_(options) {}
+    json_writer(const text_receiver &out, const json_write_options &options)
+        : sink_(out), options_(options), names_(options.pretty)
+    {
+    }
 
     void write_document(const dtf_datatree &root);
 
   private:
-    void write_object(const dtf_datatree &node, const schema_node *facts, std::size_t level);
-    void write_members(siblings nodes, const scope &in, bool is_first);
-    void write_member(siblings run, const scope &in);
-    void write_name(const dtf_datatree &node, const scope &in, std::string_view mark);
-    void write_array(siblings run, const schema_node *facts, std::size_t level);
-    void write_node(const dtf_datatree &node, const schema_node *facts, std::size_t level);
+    /* An object whose end is still to come, and the array among its members that is being written, if one is. */
+    struct open_object {
+        const dtf_datatree *node;
+        const schema_node *facts; /* of the object */
+        siblings rest;            /* the members still to come */
+        siblings run;             /* the array's elements, all of them */
+        std::size_t written;      /* of these */
+        const schema_node *run_facts;
+        std::size_t level; /* of the members */
+        bool is_first;
+        bool is_reordered; /* its members are the last of reordered_ */
+    };
+
+    void open(const dtf_datatree &node, siblings members, const schema_node *facts, std::size_t level);
+    void write_members();
+    void close();
+    void write_member(open_object &in);
+    const schema_node *write_name(const dtf_datatree &node, const open_object &in, std::string_view mark);
+    void write_element(open_object &in);
+    void end_array(open_object &in);
+    bool write_scalar(const dtf_datatree &node, const schema_node *facts, std::string_view null);
     void write_value(const char *value, const schema_node *facts);
-    void write_leaf_notes(siblings run, const schema_node *facts, const scope &in);
+    void write_leaf_notes(siblings run, const schema_node *facts, const open_object &in);
     void write_notes(const dtf_datatree &node);
 
     bool has_notes(const dtf_datatree &node) const { return options_.notes && !options_.notes(node).empty(); }
-    void begin_line(std::size_t level)
-    {
-        if (!options_.pretty)
-            return;
-        sink_.put("\n");
-        sink_.put_spaces(2 * level);
-    }
+    void begin_line(std::size_t level);
 
     text_sink sink_;
     const json_write_options &options_;
+    ready_names names_;
+    std::vector<open_object> open_; /* a stack of our own: trees may be deep, and the machine's small */
+    std::deque<std::vector<dtf_datatree>> reordered_;
 };
 
 constexpr std::uint32_t container_kind = 3; /* dtf_datatree.node_kind */
@@ -128,67 +192,110 @@ bool is_object(const dtf_datatree &node, const schema_node *facts)
 
 void json_writer::write_document(const dtf_datatree &root)
 {
-    dtf_datatree above = {};
-    const siblings top = root.tag == nullptr ? children_of(root) : siblings(&root, 1);
-    sink_.put("{");
-    write_members(top, {&above, nullptr, 1}, true);
-    begin_line(0);
-    sink_.put("}");
+    const dtf_datatree above = {};
+    open(above, root.tag == nullptr ? children_of(root) : siblings(&root, 1), nullptr, 1);
+    write_members();
     if (options_.pretty)
         sink_.put("\n");
+    sink_.flush();
 }
 
-void json_writer::write_object(const dtf_datatree &node, const schema_node *facts, std::size_t level)
+void json_writer::begin_line(std::size_t level)
 {
-    const siblings below = children_of(node);
-    const bool annotated = has_notes(node);
+    if (!options_.pretty)
+        return;
+    sink_.put("\n");
+    constexpr std::size_t most = 1024;
+    for (std::size_t columns = 2 * level; columns != 0;) {
+        const std::size_t part = columns < most ? columns : most;
+        sink_.taken(put_columns(sink_.room(columns_room(part)), part));
+        columns -= part;
+    }
+}
+
+/* `level` is that of the members. */
+void json_writer::open(const dtf_datatree &node, siblings members, const schema_node *facts, std::size_t level)
+{
+    const bool is_reordered = !stand_together(members);
+    if (is_reordered)
+        members = reordered_.emplace_back(put_together(members));
+    open_.push_back({&node, facts, members, {}, 0, nullptr, level, true, is_reordered});
     sink_.put("{");
-    if (annotated) {
-        begin_line(level + 1);
-        sink_.put(options_.pretty ? "\"@\": " : "\"@\":");
-        write_notes(node);
-    }
-    write_members(below, {&node, facts, level + 1}, !annotated);
-    if (annotated || !below.empty())
-        begin_line(level);
-    sink_.put("}");
-}
-
-void json_writer::write_members(siblings nodes, const scope &in, bool is_first)
-{
-    std::vector<dtf_datatree> together;
-    if (!stand_together(nodes))
-        nodes = together = put_together(nodes);
-    while (!nodes.empty()) {
-        if (!std::exchange(is_first, false))
-            sink_.put(",");
-        const std::size_t length = run_length(nodes);
-        write_member(nodes.first(length), in);
-        nodes = nodes.subspan(length);
-    }
-}
-
-void json_writer::write_member(siblings run, const scope &in)
-{
-    const schema_node *const facts = schema_of(run[0], *in.above, in.facts);
-    begin_line(in.level);
-    write_name(run[0], in, "");
-    if (run.size() > 1 || (facts != nullptr && facts->kind == schema_kind::list))
-        write_array(run, facts, in.level);
+    if (!has_notes(node))
+        return;
+    begin_line(level);
+    if (options_.pretty)
+        sink_.put("\"@\": ");
     else
-        write_node(run[0], facts, in.level);
-    const bool annotated =
-        std::ranges::any_of(run, [&](const dtf_datatree &node) { return has_notes(node) && !is_object(node, facts); });
-    if (annotated)
-        write_leaf_notes(run, facts, in);
+        sink_.put("\"@\":");
+    write_notes(node);
+    open_.back().is_first = false;
 }
 
-/* The member name; the mark "@" makes it that of an annotation. */
-void json_writer::write_name(const dtf_datatree &node, const scope &in, std::string_view mark)
+/* Until nothing is open any more: the members of the innermost object, and the elements of its array. */
+void json_writer::write_members()
 {
+    while (!open_.empty()) {
+        open_object &in = open_.back();
+        if (in.written < in.run.size())
+            write_element(in);
+        else if (!in.run.empty())
+            end_array(in);
+        else if (!in.rest.empty())
+            write_member(in);
+        else
+            close();
+    }
+}
+
+void json_writer::close()
+{
+    const open_object &ended = open_.back();
+    if (!ended.is_first || open_.size() == 1)
+        begin_line(ended.level - 1);
+    sink_.put("}");
+    if (ended.is_reordered)
+        reordered_.pop_back();
+    open_.pop_back();
+}
+
+/* The next member: as a whole where it is a leaf, else its beginning. */
+void json_writer::write_member(open_object &in)
+{
+    if (!std::exchange(in.is_first, false))
+        sink_.put(",");
+    const siblings run = in.rest.first(run_length(in.rest));
+    in.rest = in.rest.subspan(run.size());
+    begin_line(in.level);
+    const schema_node *const facts = write_name(run[0], in, "");
+    if (run.size() > 1 || (facts != nullptr && facts->kind == schema_kind::list)) {
+        sink_.put("[");
+        in.run = run;
+        in.written = 0;
+        in.run_facts = facts;
+    } else if (!write_scalar(run[0], facts, "[null]")) {
+        open(run[0], children_of(run[0]), facts, in.level + 1);
+    } else if (has_notes(run[0])) {
+        write_leaf_notes(run, facts, in);
+    }
+}
+
+/* The member name, and what is known of it; the mark "@" makes it that of an annotation. */
+const schema_node *json_writer::write_name(const dtf_datatree &node, const open_object &in, std::string_view mark)
+{
+    const bool is_inherited = node.ns == nullptr || same_namespace(node.ns, in.node->ns);
+    if (is_inherited && in.facts != nullptr && mark.empty()) {
+        const ready_names::entry &name = names_.find(node, *in.node, in.facts);
+        if (name.size != 0) {
+            char *const to = sink_.room(ready_names::room);
+            std::memcpy(to, name.text.data(), ready_names::room);
+            sink_.taken(to + name.size);
+            return name.facts;
+        }
+    }
     sink_.put("\"");
     sink_.put(mark);
-    if (node.ns != nullptr && !same_namespace(node.ns, in.above->ns)) {
+    if (!is_inherited) {
         const schema_module *const module = find_module_by_namespace(node.ns);
         if (module != nullptr)
             sink_.put(module->name);
@@ -197,54 +304,72 @@ void json_writer::write_name(const dtf_datatree &node, const scope &in, std::str
         sink_.put(":");
     }
     put_json_text(sink_, node.tag);
-    sink_.put(options_.pretty ? "\": " : "\":");
+    if (options_.pretty)
+        sink_.put("\": ");
+    else
+        sink_.put("\":");
+    return schema_of(node, *in.node, in.facts);
 }
 
-void json_writer::write_array(siblings run, const schema_node *facts, std::size_t level)
+/* The array's next element, or its beginning. */
+void json_writer::write_element(open_object &in)
 {
-    const bool on_lines = is_object(run[0], facts);
-    sink_.put("[");
-    for (const dtf_datatree &node : run) {
-        if (&node != &run[0])
-            sink_.put(options_.pretty && !on_lines ? ", " : ",");
-        if (on_lines)
-            begin_line(level + 1);
-        if (is_object(node, facts))
-            write_object(node, facts, level + 1);
-        else if ((node.flags & DTF_FLAG_HAS_VALUE) != 0)
-            write_value(node.value, facts);
+    const dtf_datatree &node = in.run[in.written];
+    const bool on_lines = is_object(in.run[0], in.run_facts);
+    if (in.written++ != 0) {
+        if (options_.pretty && !on_lines)
+            sink_.put(", ");
         else
-            sink_.put("null");
+            sink_.put(",");
     }
     if (on_lines)
-        begin_line(level);
-    sink_.put("]");
+        begin_line(in.level + 1);
+    if (!write_scalar(node, in.run_facts, "null"))
+        open(node, children_of(node), in.run_facts, in.level + 2);
 }
 
-/* What stands behind a member's name. */
-void json_writer::write_node(const dtf_datatree &node, const schema_node *facts, std::size_t level)
+void json_writer::end_array(open_object &in)
+{
+    const siblings run = std::exchange(in.run, {});
+    if (is_object(run[0], in.run_facts))
+        begin_line(in.level);
+    sink_.put("]");
+    const auto is_noted_leaf = [&](const dtf_datatree &node) {
+        return has_notes(node) && !is_object(node, in.run_facts);
+    };
+    if (options_.notes && std::ranges::any_of(run, is_noted_leaf))
+        write_leaf_notes(run, in.run_facts, in);
+}
+
+/* Writes what is no object; false where it is one. */
+bool json_writer::write_scalar(const dtf_datatree &node, const schema_node *facts, std::string_view null)
 {
     if (is_object(node, facts))
-        write_object(node, facts, level);
-    else if ((node.flags & DTF_FLAG_HAS_VALUE) != 0)
+        return false;
+    if ((node.flags & DTF_FLAG_HAS_VALUE) != 0)
         write_value(node.value, facts);
     else
-        sink_.put("[null]");
+        sink_.put(null);
+    return true;
 }
 
 void json_writer::write_value(const char *value, const schema_node *facts)
 {
-    const std::string_view text = value == nullptr ? "" : value;
-    const bool may_be_bare = facts != nullptr && facts->kind == schema_kind::bare_leaf;
-    if (may_be_bare && (is_json_number(text) || text == "true" || text == "false"))
-        sink_.put(text);
-    else
-        put_json_string(sink_, text.data());
+    if (value == nullptr)
+        value = "";
+    if (facts != nullptr && facts->kind == schema_kind::bare_leaf) {
+        const std::string_view text = value;
+        if (is_json_number(text) || text == "true" || text == "false") {
+            sink_.put(text);
+            return;
+        }
+    }
+    put_json_string(sink_, value);
 }
 
 /* The annotation of a leaf stands beside it; that of a run is an array, with null for those without (or with their own
  * inside). */
-void json_writer::write_leaf_notes(siblings run, const schema_node *facts, const scope &in)
+void json_writer::write_leaf_notes(siblings run, const schema_node *facts, const open_object &in)
 {
     sink_.put(",");
     begin_line(in.level);
@@ -270,14 +395,14 @@ void json_writer::write_notes(const dtf_datatree &node)
     const node_notes notes = options_.notes(node);
     const auto put_note = [this](std::string_view name, std::string_view text) {
         sink_.put(name);
-        sink_.put(options_.pretty ? ": " : ":");
+        sink_.put(std::string_view(options_.pretty ? ": " : ":"));
         put_json_string(sink_, std::string(text).c_str());
     };
     sink_.put("{");
     if (!notes.operation.empty())
         put_note("\"ietf-netconf:operation\"", notes.operation);
     if (!notes.operation.empty() && !notes.source.empty())
-        sink_.put(options_.pretty ? ", " : ",");
+        sink_.put(std::string_view(options_.pretty ? ", " : ","));
     if (!notes.source.empty())
         put_note("\"chmon:source\"", notes.source);
     sink_.put("}");
@@ -285,7 +410,7 @@ void json_writer::write_notes(const dtf_datatree &node)
 
 } // namespace
 
-void write_json(std::string &out, const dtf_datatree &root, const json_write_options &options)
+void write_json(const text_receiver &out, const dtf_datatree &root, const json_write_options &options)
 {
     json_writer(out, options).write_document(root);
 }

@@ -11,6 +11,23 @@ bool is_continuation(unsigned char byte, unsigned char low = 0x80, unsigned char
 
 } // namespace
 
+void text_sink::put(std::string_view text)
+{
+    while (!text.empty()) {
+        const std::string_view piece = text.substr(0, most_room);
+        std::memcpy(room(piece.size()), piece.data(), piece.size());
+        taken(at_ + piece.size());
+        text.remove_prefix(piece.size());
+    }
+}
+
+void text_sink::flush()
+{
+    if (at_ != buffer_.get())
+        receiver_({buffer_.get(), static_cast<std::size_t>(at_ - buffer_.get())});
+    at_ = buffer_.get();
+}
+
 /* The second byte's bounds leave out overlong forms, surrogates and what lies beyond U+10FFFF. */
 std::size_t utf8_length(const char *text)
 {

@@ -1,48 +1,87 @@
-/* Where the writers put their text: the end of a string, without a call or a bounds check per byte. */
+/* Where the writers put their text: into a buffer that is handed on when it is full, without a call per piece. */
 #ifndef FRAMEWORK_TEXT_SINK_H
 #define FRAMEWORK_TEXT_SINK_H
 
+#include <array>
 #include <cstddef>
 #include <cstring>
+#include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 
 namespace framework {
 
-/* Appends to a string, which holds all of it (and nothing more) only after the sink's end. */
+/* Takes a document's text piece by piece; a piece is gone when the call returns. */
+using text_receiver = std::function<void(std::string_view piece)>;
+
+/* Appends the pieces to a string, which must outlive the receiver. */
+inline text_receiver append_to(std::string &text)
+{
+    return [&text](std::string_view piece) { text.append(piece); };
+}
+
+/* Small enough to stay in the cache on its way, large enough that handing on costs nothing. */
 class text_sink
 {
   public:
-    explicit text_sink(std::string &out) : out_(out), used_(out.size()) {}
-    text_sink(const text_sink &) = delete;
-    text_sink &operator=(const text_sink &) = delete;
-    ~text_sink() { out_.resize(used_); }
+    /* What room() can be asked for. */
+    static constexpr std::size_t most_room = 4096;
 
-    void put(std::string_view text)
+    /* The receiver must outlive the sink. */
+    explicit text_sink(const text_receiver &receiver) : receiver_(receiver) {}
+
+    /* At least `size` bytes to write to, up to most_room; taken() tells where what was written ends. */
+    char *room(std::size_t size = most_room)
     {
-        if (out_.size() - used_ < text.size())
-            grow(text.size());
-        std::memcpy(out_.data() + used_, text.data(), text.size());
-        used_ += text.size();
+        if (static_cast<std::size_t>(end() - at_) < size)
+            flush();
+        return at_;
+    }
+    void taken(char *written_end) { at_ = written_end; }
+
+    void put(std::string_view text);
+
+    /* A literal: its size is known, so that copying it is a few moves. */
+    template <std::size_t size> void put(const char (&literal)[size])
+    {
+        taken(static_cast<char *>(std::memcpy(room(size), literal, size - 1)) + size - 1);
     }
 
-    void put_spaces(std::size_t count)
-    {
-        if (out_.size() - used_ < count)
-            grow(count);
-        std::memset(out_.data() + used_, ' ', count);
-        used_ += count;
-    }
+    /* Hands on what is left; the last thing to do. */
+    void flush();
 
   private:
-    /* The string grows geometrically; of its new room a part at a time is cleared, while it is near in the cache. */
-    void grow(std::size_t least) { out_.resize(used_ + least + step); }
+    static constexpr std::size_t capacity = std::size_t{64} << 10;
 
-    static constexpr std::size_t step = std::size_t{32} << 10;
+    char *end() const { return buffer_.get() + capacity; }
 
-    std::string &out_;
-    std::size_t used_;
+    const text_receiver &receiver_;
+    std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(capacity);
+    char *at_ = buffer_.get();
 };
+
+/* Which characters of a text are not simply copied; NUL is always one of them. */
+using special_characters = std::array<bool, 256>;
+
+/* Copies up to `most` characters, and no special one; `text` moves behind them. Returns the end of the copy. */
+inline char *copy_plain(char *to, const char *&text, const special_characters &special, std::size_t most)
+{
+    for (; most != 0 && !special[static_cast<unsigned char>(*text)]; --most)
+        *to++ = *text++;
+    return to;
+}
+
+/* Bytes that put_columns() may write to for `count` columns. */
+constexpr std::size_t columns_room(std::size_t count) { return count + 16; }
+
+/* Writes `count` spaces, and a few bytes beyond them: a loop of moves, no call. */
+inline char *put_columns(char *to, std::size_t count)
+{
+    for (std::size_t done = 0; done < count; done += 16)
+        std::memcpy(to + done, "                ", 16);
+    return to + count;
+}
 
 /* U+FFFD in UTF-8, which stands for what is none. */
 inline constexpr std::string_view replacement_character = "\xef\xbf\xbd";

@@ -2,73 +2,125 @@
 
 #include "edit_operations.h"
 #include "schema_facts.h"
-#include "text_sink.h"
 
-#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 namespace framework {
 
 namespace {
 
-/* Which characters of a text are not simply copied. */
-constexpr std::array<bool, 256> make_special()
+/* White space is special at a value's ends. */
+constexpr special_characters make_special()
 {
-    std::array<bool, 256> special = {};
+    special_characters special = {};
     for (std::size_t c = 0; c < special.size(); ++c)
-        special[c] = c < 0x20 || c >= 0x80 || c == '&' || c == '<' || c == '>';
+        special[c] = c <= 0x20 || c >= 0x80 || c == '&' || c == '<' || c == '>';
     return special;
 }
 
-constexpr std::array<bool, 256> special = make_special();
+constexpr special_characters special = make_special();
+
+bool has_children(const dtf_datatree &node) { return (node.flags & DTF_FLAG_HAS_SUBTREE) != 0 && node.child_count > 0; }
+
+/*
+ * The two tags of an element without attributes, ready to be copied as they are. Trees name few different elements, and
+ * equal names are mostly the same text, so they are known by its address.
+ */
+class ready_tags
+{
+  public:
+    /* Bytes that copying one tag writes, however short it is. */
+    static constexpr std::size_t room = 64;
+
+    struct entry {
+        const char *tag = nullptr;
+        std::size_t start_size = 0; /* "<tag>" */
+        std::size_t end_size = 0;   /* "</tag>" */
+        std::array<char, room> start;
+        std::array<char, room> end;
+    };
+
+    /* Null for a tag that is too long. */
+    const entry *find(const char *tag)
+    {
+        entry &slot = entries_[(reinterpret_cast<std::uintptr_t>(tag) >> 2) % entries_.size()];
+        return slot.tag == tag || make(slot, tag) ? &slot : nullptr;
+    }
+
+  private:
+    static bool make(entry &slot, const char *tag)
+    {
+        const std::size_t size = std::strlen(tag);
+        if (size + 3 > room)
+            return false;
+        slot.tag = tag;
+        slot.start_size = size + 2;
+        slot.end_size = size + 3;
+        slot.start[0] = '<';
+        std::memcpy(&slot.start[1], tag, size);
+        slot.start[size + 1] = '>';
+        slot.end[0] = '<';
+        slot.end[1] = '/';
+        std::memcpy(&slot.end[2], &slot.start[1], size + 1);
+        return true;
+    }
+
+    std::array<entry, 64> entries_;
+};
 
 class xml_writer
 {
   public:
-    xml_writer(std::string &out, const xml_write_options &options) : sink_(out), options_(options) {}
+    xml_writer(const text_receiver &out, const xml_write_options &options) : sink_(out), options_(options) {}
 
     void write_document(const dtf_datatree &root);
 
   private:
-    /* Which of the prefixes of notes a tree needs. */
-    struct prefixes {
-        bool nc;
-        bool chmon;
+    /* An element whose end is still to come. */
+    struct open_element {
+        const dtf_datatree *node;
+        std::uint32_t next_child;
     };
 
     void write_wrapped(const dtf_datatree &root);
-    void write_element(const dtf_datatree &node, const char *ns_above, std::size_t level);
+    void write_tree(const dtf_datatree &top);
+    void write_start(const dtf_datatree &node, const char *ns_above);
+    void write_start_tag(const dtf_datatree &node, const char *ns_above);
+    void write_end_tag(const char *tag);
     void write_attributes(const dtf_datatree &node, const char *ns_above);
     void write_notes(const dtf_datatree &node);
-    prefixes prefixes_below(const dtf_datatree &node) const;
-    void write_value(std::string_view value);
+    void declare_prefixes(const dtf_datatree &top);
     void write_attribute(std::string_view name, const char *text);
-    void write_text(const char *text);
+    void write_text(const char *text, bool guards_ends);
+    void write_spaces(const char *&text, bool as_references);
     void write_special(const char *&text);
-    void begin_line(std::size_t level)
+    void begin_line(std::size_t level);
+    void end_line()
     {
         if (options_.pretty)
-            sink_.put_spaces(2 * level);
+            sink_.put("\n");
     }
-    void end_line(std::string_view text) { sink_.put(options_.pretty ? text : text.substr(0, text.size() - 1)); }
 
     text_sink sink_;
     const xml_write_options &options_;
+    ready_tags tags_;
+    std::vector<open_element> open_; /* a stack of our own: trees may be deep, and the machine's small */
     bool is_first_ = true;
 };
-
-bool has_children(const dtf_datatree &node) { return (node.flags & DTF_FLAG_HAS_SUBTREE) != 0 && node.child_count > 0; }
 
 void xml_writer::write_document(const dtf_datatree &root)
 {
     if (root.tag != nullptr)
-        write_element(root, nullptr, 0);
+        write_tree(root);
     else if (has_children(root) && root.child_count == 1)
-        write_element(root.children[0], nullptr, 0);
+        write_tree(root.children[0]);
     else
         write_wrapped(root);
+    sink_.flush();
 }
 
 void xml_writer::write_wrapped(const dtf_datatree &root)
@@ -77,31 +129,81 @@ void xml_writer::write_wrapped(const dtf_datatree &root)
     wrapper.tag = "data";
     wrapper.ns = netconf_namespace.data();
     wrapper.flags &= ~DTF_FLAG_OP_SET;
-    write_element(wrapper, nullptr, 0);
+    write_tree(wrapper);
 }
 
-void xml_writer::write_element(const dtf_datatree &node, const char *ns_above, std::size_t level)
+void xml_writer::write_tree(const dtf_datatree &top)
 {
-    const std::string_view tag = node.tag;
-    begin_line(level);
-    sink_.put("<");
-    sink_.put(tag);
-    write_attributes(node, ns_above);
+    write_start(top, nullptr);
+    while (!open_.empty()) {
+        const dtf_datatree &node = *open_.back().node;
+        if (open_.back().next_child < node.child_count) {
+            write_start(node.children[open_.back().next_child++], node.ns);
+            continue;
+        }
+        open_.pop_back();
+        begin_line(open_.size());
+        write_end_tag(node.tag);
+    }
+}
+
+/* Writes a leaf as a whole; of an element with children the start, and then it is open. */
+void xml_writer::write_start(const dtf_datatree &node, const char *ns_above)
+{
+    begin_line(open_.size());
+    write_start_tag(node, ns_above);
     if (has_children(node)) {
-        end_line(">\n");
-        for (std::uint32_t i = 0; i < node.child_count; ++i)
-            write_element(node.children[i], node.ns, level + 1);
-        begin_line(level);
+        sink_.put(">");
+        end_line();
+        open_.push_back({&node, 0});
     } else if ((node.flags & DTF_FLAG_HAS_VALUE) != 0 && node.value != nullptr) {
         sink_.put(">");
-        write_value(node.value);
+        write_text(node.value, true);
+        write_end_tag(node.tag);
     } else {
-        end_line("/>\n");
-        return;
+        sink_.put("/>");
+        end_line();
     }
-    sink_.put("</");
-    sink_.put(tag);
-    end_line(">\n");
+}
+
+void xml_writer::begin_line(std::size_t level)
+{
+    if (!options_.pretty)
+        return;
+    constexpr std::size_t most = 1024;
+    for (std::size_t columns = 2 * level; columns != 0;) {
+        const std::size_t part = columns < most ? columns : most;
+        sink_.taken(put_columns(sink_.room(columns_room(part)), part));
+        columns -= part;
+    }
+}
+
+/* The start tag without its closing ">". */
+void xml_writer::write_start_tag(const dtf_datatree &node, const char *ns_above)
+{
+    if (const ready_tags::entry *const tag = tags_.find(node.tag)) {
+        char *const to = sink_.room(ready_tags::room);
+        std::memcpy(to, tag->start.data(), ready_tags::room);
+        sink_.taken(to + tag->start_size - 1);
+    } else {
+        sink_.put("<");
+        sink_.put(std::string_view(node.tag));
+    }
+    write_attributes(node, ns_above);
+}
+
+void xml_writer::write_end_tag(const char *name)
+{
+    if (const ready_tags::entry *const tag = tags_.find(name)) {
+        char *const to = sink_.room(ready_tags::room);
+        std::memcpy(to, tag->end.data(), ready_tags::room);
+        sink_.taken(to + tag->end_size);
+    } else {
+        sink_.put("</");
+        sink_.put(std::string_view(name));
+        sink_.put(">");
+    }
+    end_line();
 }
 
 void xml_writer::write_attributes(const dtf_datatree &node, const char *ns_above)
@@ -115,13 +217,8 @@ void xml_writer::write_attributes(const dtf_datatree &node, const char *ns_above
 /* The first element declares the prefixes for all. */
 void xml_writer::write_notes(const dtf_datatree &node)
 {
-    if (std::exchange(is_first_, false)) {
-        const prefixes used = prefixes_below(node);
-        if (used.nc)
-            write_attribute("xmlns:nc", netconf_namespace.data());
-        if (used.chmon)
-            write_attribute("xmlns:chmon", source_namespace.data());
-    }
+    if (std::exchange(is_first_, false))
+        declare_prefixes(node);
     const node_notes notes = options_.notes(node);
     if (!notes.operation.empty())
         write_attribute("nc:operation", std::string(notes.operation).c_str());
@@ -129,15 +226,24 @@ void xml_writer::write_notes(const dtf_datatree &node)
         write_attribute("chmon:source", std::string(notes.source).c_str());
 }
 
-xml_writer::prefixes xml_writer::prefixes_below(const dtf_datatree &node) const
+/* Those of the prefixes of notes that the tree needs. */
+void xml_writer::declare_prefixes(const dtf_datatree &top)
 {
-    const node_notes notes = options_.notes(node);
-    prefixes used{!notes.operation.empty(), !notes.source.empty()};
-    for (std::uint32_t i = 0; has_children(node) && i < node.child_count; ++i) {
-        const prefixes below = prefixes_below(node.children[i]);
-        used = {used.nc || below.nc, used.chmon || below.chmon};
+    bool has_operations = false;
+    bool has_sources = false;
+    for (std::vector<const dtf_datatree *> rest = {&top}; !rest.empty();) {
+        const dtf_datatree &node = *rest.back();
+        rest.pop_back();
+        const node_notes notes = options_.notes(node);
+        has_operations = has_operations || !notes.operation.empty();
+        has_sources = has_sources || !notes.source.empty();
+        for (std::uint32_t i = 0; has_children(node) && i < node.child_count; ++i)
+            rest.push_back(&node.children[i]);
     }
-    return used;
+    if (has_operations)
+        write_attribute("xmlns:nc", netconf_namespace.data());
+    if (has_sources)
+        write_attribute("xmlns:chmon", source_namespace.data());
 }
 
 void xml_writer::write_attribute(std::string_view name, const char *text)
@@ -146,15 +252,13 @@ void xml_writer::write_attribute(std::string_view name, const char *text)
     sink_.put(name);
     sink_.put("=\"");
     while (const char *const quote = std::strchr(text, '"')) {
-        write_text(std::string(text, quote).c_str());
+        write_text(std::string(text, quote).c_str(), false);
         sink_.put("&quot;");
         text = quote + 1;
     }
-    write_text(text);
+    write_text(text, false);
     sink_.put("\"");
 }
-
-bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 std::string_view space_reference(char c)
 {
@@ -170,35 +274,26 @@ std::string_view space_reference(char c)
     }
 }
 
-void xml_writer::write_value(std::string_view value)
+/* Runs of plain characters go over as they are. guards_ends: white space at the ends becomes references. */
+void xml_writer::write_text(const char *text, bool guards_ends)
 {
-    if (value.empty())
-        return;
-    if (!is_space(value.front()) && !is_space(value.back())) {
-        write_text(value.data());
-        return;
-    }
-    const std::size_t first = std::min(value.find_first_not_of(" \t\n\r"), value.size());
-    const std::size_t last = first == value.size() ? first : value.find_last_not_of(" \t\n\r") + 1;
-    for (const char c : value.substr(0, first))
-        sink_.put(space_reference(c));
-    write_text(std::string(value.substr(first, last - first)).c_str());
-    for (const char c : value.substr(last))
-        sink_.put(space_reference(c));
-}
-
-/* Runs of plain characters go over in one piece. */
-void xml_writer::write_text(const char *text)
-{
+    const char *const start = text;
     for (;;) {
-        const char *const start = text;
-        while (!special[static_cast<unsigned char>(*text)])
-            ++text;
-        sink_.put({start, static_cast<std::size_t>(text - start)});
+        sink_.taken(copy_plain(sink_.room(), text, special, text_sink::most_room));
         if (*text == '\0')
             return;
-        write_special(text);
+        if (const std::size_t spaces = std::strspn(text, " \t\n\r"); spaces != 0)
+            write_spaces(text, guards_ends && (text == start || text[spaces] == '\0'));
+        else if (special[static_cast<unsigned char>(*text)])
+            write_special(text);
     }
+}
+
+/* Writes the white space that a text begins with, and moves past it. A carriage return would not stay one. */
+void xml_writer::write_spaces(const char *&text, bool as_references)
+{
+    for (; *text != '\0' && std::strchr(" \t\n\r", *text) != nullptr; ++text)
+        sink_.put(as_references || *text == '\r' ? space_reference(*text) : std::string_view(text, 1));
 }
 
 /* Writes the character that a text begins with, and moves past it. */
@@ -217,15 +312,13 @@ void xml_writer::write_special(const char *&text)
         sink_.put("&lt;");
     else if (c == '>')
         sink_.put("&gt;");
-    else if (c == '\t' || c == '\n')
-        sink_.put({&c, 1});
     else
-        sink_.put(c == '\r' ? space_reference(c) : replacement_character);
+        sink_.put(replacement_character);
 }
 
 } // namespace
 
-void write_xml(std::string &out, const dtf_datatree &root, const xml_write_options &options)
+void write_xml(const text_receiver &out, const dtf_datatree &root, const xml_write_options &options)
 {
     xml_writer(out, options).write_document(root);
 }
