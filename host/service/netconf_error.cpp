@@ -44,17 +44,6 @@ const char *tag_of(ostore::store_fault kind)
     }
 }
 
-/* Paths and messages quote values, and a value may be a page long or hold line ends. */
-std::string one_line(std::string text)
-{
-    constexpr std::size_t longest = 400;
-    std::ranges::replace_if(
-        text, [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
-    if (text.size() > longest)
-        text = text.substr(0, longest / 2) + " ... " + text.substr(text.size() - longest / 2);
-    return text;
-}
-
 std::string line_of(std::string_view type, std::string_view tag, const std::string &path, const std::string &message)
 {
     const std::string place = path.empty() ? "" : " " + one_line(path);
@@ -69,6 +58,16 @@ std::string place_of(const walk_fault &fault, const std::string &otherwise)
 }
 
 } // namespace
+
+std::string one_line(std::string text)
+{
+    constexpr std::size_t longest = 400;
+    std::ranges::replace_if(
+        text, [](char c) { return static_cast<unsigned char>(c) < 0x20; }, ' ');
+    if (text.size() > longest)
+        text = text.substr(0, longest / 2) + " ... " + text.substr(text.size() - longest / 2);
+    return text;
+}
 
 netconf_error::netconf_error(std::string_view type, std::string_view tag, std::string path, const std::string &message)
     : std::runtime_error(line_of(type, tag, path, message)), tag_(tag), path_(std::move(path))

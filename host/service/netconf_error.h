@@ -13,6 +13,9 @@
 
 namespace service {
 
+/* A message as it may be shown: what it quotes may be a page long or hold line ends. */
+std::string one_line(std::string text);
+
 /* One <rpc-error>. what() is one line: "error-type error-tag error-path: message", without a path where none is known.
  */
 class netconf_error : public std::runtime_error

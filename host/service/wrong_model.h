@@ -2,6 +2,8 @@
 #ifndef SERVICE_WRONG_MODEL_H
 #define SERVICE_WRONG_MODEL_H
 
+#include "service/netconf_error.h"
+
 #include "dtf.h"
 
 #include <stdexcept>
@@ -16,9 +18,10 @@ class wrong_model : public std::runtime_error
     using std::runtime_error::runtime_error;
 
     wrong_model(const std::string &document, const dtf_datatree &top, const std::string &expected)
-        : std::runtime_error(document + ": /" + top.tag + ": " +
-                             (top.ns == nullptr ? "without namespace" : "in namespace " + std::string(top.ns)) +
-                             "; expected " + expected)
+        : std::runtime_error(
+              one_line(document + ": /" + top.tag + ": " +
+                       (top.ns == nullptr ? "without namespace" : "in namespace " + std::string(top.ns)) +
+                       "; expected " + expected))
     {
     }
 };

@@ -1,0 +1,142 @@
+/*
+ * Records: the input is one, byte by byte, or says how to assemble one that is nearly right. The record is read as a
+ * user of the library does and as the plug-in does, from a block of exactly its size.
+ */
+#include "input.h"
+
+#include "mapping.h"
+#include "oc_chmon.h"
+#include "ostore/faults.h"
+#include "ostore/parcel_format.h"
+#include "ostore/usage.h"
+
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace {
+
+using bytes = std::vector<char>;
+
+void put(bytes &to, std::uint32_t number)
+{
+    for (int i = 0; i < 4; ++i)
+        to.push_back(static_cast<char>(number >> 8 * i));
+}
+
+/* Tokens of the input's choice; sizes fit their types unless the input says otherwise. */
+bytes assemble(fuzz::input &in)
+{
+    constexpr std::uint32_t wrong_sizes[] = {0, 1, 2, 5, 0x7fffffff, 0x80000000, 0xffffffff};
+    const std::string_view names[] = {"inv_phy_entity_basic_info", "Name", "a", "%s%n", ""};
+    bytes record(ostore::parcel_magic.begin(), ostore::parcel_magic.end());
+    for (const std::uint32_t number : {ostore::parcel_format_version, 3U, 1U})
+        put(record, number);
+    record.resize(ostore::parcel_header_size);
+    record[ostore::parcel_schema_offset] = 's';
+    while (!in.empty()) {
+        const auto type = static_cast<parcel_token_type_td>(in.below(20));
+        const unsigned odd = in.byte();
+        const std::string name(in.pick(names));
+        const int fixed = ostore::parcel_value_size(type);
+        std::string value(in.take(fixed >= 0 ? static_cast<std::size_t>(fixed) : in.below(210)));
+        value.resize(fixed >= 0 ? static_cast<std::size_t>(fixed) : value.size());
+        if (fixed == ostore::parcel_text_value)
+            value = value.substr(0, value.find('\0')) + std::string(odd % 32 == 1 ? 0 : 1, '\0');
+        const std::size_t name_size = name.empty() ? 0 : name.size() + 1;
+        put(record, type);
+        put(record, odd % 32 == 2 ? in.pick(wrong_sizes) : static_cast<std::uint32_t>(name_size));
+        put(record, odd % 32 == 3 ? in.pick(wrong_sizes) : static_cast<std::uint32_t>(value.size()));
+        record.insert(record.end(), name.c_str(), name.c_str() + name_size);
+        record.insert(record.end(), value.begin(), value.end());
+        if (type == PARCEL_TOKEN_END && odd % 2 == 0)
+            break;
+    }
+    return record;
+}
+
+/* As a user of the library reads it; the code that ended the walk. */
+faultno read_tokens(const char *record, std::size_t size)
+{
+    parcel_header_td header{};
+    const bool has_header = size >= ostore::parcel_header_size && parcel_header_info(record, &header) == 0;
+    parcel_walk_td walk{};
+    faultno rc = parcel_generic_init(record, static_cast<std::uint32_t>(size), &walk);
+    if ((rc == 0) != has_header)
+        fuzz::report("header and walk disagree", std::to_string(rc));
+    if (rc != 0)
+        return rc;
+    std::size_t steps = 0;
+    parcel_token_td token{};
+    while ((rc = parcel_generic_token(&walk, &token)) == 0) {
+        const char *const text = token.type == PARCEL_TOKEN_TEXT ? token.value.text : token.second_text;
+        if (++steps > size || (text != nullptr && token.type != PARCEL_TOKEN_END && std::strlen(text) >= size))
+            fuzz::report("more than the record holds", std::to_string(steps));
+        const bool last = token.type == PARCEL_TOKEN_END;
+        parcel_generic_free_token_allocations(&token);
+        if (last)
+            break;
+    }
+    parcel_generic_destroy(&walk);
+    return rc;
+}
+
+struct reading {
+    const char *record;
+    std::uint32_t size;
+    const char *field;
+    parcel_token_type_td wanted;
+} now;
+
+/* As the plug-in reads it, into 200 bytes. */
+faultno find_field(dtf_map_ctx ctx, const dtf_datatree *, dtf_datatree *)
+{
+    const auto output = std::make_unique<char[]>(200);
+    std::memset(output.get(), '#', 200);
+    const faultno rc = get_value_in_parcel(ctx, now.field, now.wanted, now.record, now.size, output.get());
+    if (output[0] != '#' && std::memchr(output.get(), 0, 200) == nullptr)
+        fuzz::report("output without end", now.field);
+    return rc;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    constexpr const char *fields[] = {"inv_phy_entity_basic_info.Name", "Name", "a.a", "a", "%s%n", "", "a..a", "."};
+    fuzz::input in(data, size);
+    const unsigned form = in.byte();
+    const ostore::usage_counts before = ostore::usage();
+    now.field = in.pick(fields);
+    now.wanted = static_cast<parcel_token_type_td>(in.below(20));
+    bytes record;
+    if (form % 2 == 0) {
+        const std::string_view raw = in.rest();
+        record.assign(raw.begin(), raw.end());
+    } else {
+        record = assemble(in);
+        record.resize(record.size() - std::min(record.size(), std::size_t{form / 16 == 1 ? form % 16 : 0}));
+    }
+    /* A block of its own: a vector may have room behind its end. */
+    const std::unique_ptr<char[]> block(new char[record.size()]);
+    std::copy(record.begin(), record.end(), block.get());
+    now.record = block.get();
+    now.size = static_cast<std::uint32_t>(record.size());
+
+    const faultno code = read_tokens(now.record, now.size);
+    if (code != 0 && ostore::fault_text(code) == nullptr)
+        fuzz::report("a code without a text", std::to_string(code));
+    if (record.size() >= ostore::parcel_header_size) {
+        framework::arena memory;
+        framework::mapping walk({}, memory);
+        dtf_datatree out{};
+        const faultno found = walk.run(find_field, {}, out);
+        if (found != 0 && found != FAULT_INVALID_ARGS && ostore::fault_text(found) == nullptr)
+            fuzz::report("a code without a text", std::to_string(found));
+    }
+    const ostore::usage_counts after = ostore::usage();
+    if (after.tokens_decoded - before.tokens_decoded != after.tokens_released - before.tokens_released ||
+        after.walks_started - before.walks_started != after.walks_ended - before.walks_ended)
+        fuzz::report("not released", "tokens or walks");
+    return 0;
+}
