@@ -22,9 +22,6 @@ class native_writer
     /// is missing. The leaves must be valid by the schema: they are stored as they are.
     void put_interface(std::span<const native_leaf> leaves);
 
-    /// As put_interface, and keeps those leaves of the entry stored so far that are not given.
-    void merge_interface(std::span<const native_leaf> leaves);
-
     /// Removes an entry; false when there was none.
     bool remove_interface(std::string_view active, std::string_view name);
 

@@ -1,11 +1,7 @@
 // A device's store: what was loaded comes back, all of it or nothing, and no more is fetched than was asked for.
-#include "device/inventory.h"
 #include "device/load.h"
 #include "device/native_reader.h"
-#include "device/native_writer.h"
 
-#include <fstream>
-#include <functional>
 #include <gtest/gtest.h>
 
 using namespace device;
@@ -16,11 +12,6 @@ const schema &modules()
 {
     static const schema loaded;
     return loaded;
-}
-
-document example(const std::string &file)
-{
-    return read_document(std::filesystem::path(CHMON_SOURCE) / "examples/device" / file);
 }
 
 using leaves = std::vector<std::pair<std::string, std::string>>;
@@ -78,32 +69,6 @@ std::vector<leaves> slices_of(const native_reader &reader, const ots_port &port)
 class store : public testing::Test
 {
   protected:
-    /// Every record of every table: equal fingerprints, equal stores.
-    std::vector<std::string> contents()
-    {
-        std::vector<std::string> all;
-        const ostore::read_transaction txn(device_.database());
-        for (const char *table : {ostore::database::items_table, interfaces_table, ports_table, slices_table}) {
-            for (ostore::cursor at(txn, txn.store().table(table)); at.next();) {
-                all.push_back(std::string(table) + ' ' + std::string(at.key()) + ' ' + std::string(at.value()));
-            }
-        }
-        return all;
-    }
-
-    void change(const std::function<void(ostore::write_transaction &)> &what)
-    {
-        ostore::write_transaction txn(device_.database());
-        what(txn);
-        txn.commit();
-    }
-
-    leaves interface(const char *name)
-    {
-        const ostore::read_transaction txn(device_.database());
-        return shown(native_reader(txn).interface("act", name).value_or(std::string_view()));
-    }
-
     struct scratch {
         std::filesystem::path path =
             std::filesystem::path(testing::TempDir()) / ("device-" + std::to_string(::getpid()));
@@ -112,23 +77,6 @@ class store : public testing::Test
     scratch folder_;
     folder device_ = folder::create(folder_.path);
 };
-
-TEST_F(store, holds_the_example_device_the_same_from_either_format)
-{
-    load(device_, modules(), {example("inventory.json"), example("interfaces.xml"), example("ots-oper.xml")});
-    const auto from_xml = contents();
-    const auto summary = load(device_, modules(), {example("ots-oper.json"), example("interfaces.json")});
-    EXPECT_EQ(contents(), from_xml);
-    EXPECT_FALSE(summary.monitors);
-    EXPECT_EQ(summary.interfaces, 12U);
-    EXPECT_EQ(summary.ports, 7U);
-    EXPECT_EQ(summary.slices, 384U);
-    EXPECT_EQ(interface("HundredGigE0/0/0/1"),
-              (leaves{{"active", "act"}, {"interface-name", "HundredGigE0/0/0/1"}, {"shutdown", "(empty)"}}));
-    EXPECT_EQ(interface("HundredGigE0/0/0/0").at(2), (leaves::value_type{"description", "client <east>"}));
-    EXPECT_EQ(interface("HundredGigE0/0/0"), leaves());
-    EXPECT_EQ(list_monitors(ostore::read_transaction(device_.database())).size(), 6U);
-}
 
 TEST_F(store, gives_back_spectra_of_any_size_and_fetches_only_what_is_asked_for)
 {
@@ -162,62 +110,11 @@ TEST_F(store, gives_back_spectra_of_any_size_and_fetches_only_what_is_asked_for)
     EXPECT_FALSE(native_reader(txn).port(std::string(600, 'x')));
 
     load(device_, modules(), {ots_oper(spectrum("Ots0/1/0/1", 1).first)});
-    EXPECT_EQ(contents().size(), 2U) << "what was loaded before is gone, slices too";
-}
-
-TEST_F(store, is_unchanged_by_a_load_of_which_one_document_is_bad)
-{
-    load(device_, modules(), {example("inventory.json"), example("interfaces.xml"), example("ots-oper.xml")});
-    const auto before = contents();
-    const std::string channel_monitors = R"({"openconfig-channel-monitor:channel-monitors": {}})";
-    const document bad[] = {{"empty", " \n"},
-                            {"text", "Ots0/1/0/0"},
-                            {"nothing", "{}"},
-                            ots_oper("{\"name\": 1"),
-                            ots_oper(""),
-                            {"openconfig", channel_monitors},
-                            {"inventory", R"({"inventory": [""]})"},
-                            {"second", R"({"inventory": []})"}};
-    for (const document &second : bad) {
-        try {
-            const auto first = second.name == "oper" ? ots_oper("") : document{"first", R"({"inventory": []})"};
-            load(device_, modules(), {first, second});
-            ADD_FAILURE() << second.name << " was taken";
-        } catch (const invalid_document &error) {
-            EXPECT_EQ(std::string(error.what()).rfind(second.name + ": ", 0), 0U) << error.what();
-        }
-        EXPECT_EQ(contents(), before);
-    }
-}
-
-TEST_F(store, changes_single_entries)
-{
-    load(device_, modules(), {example("interfaces.xml")});
-    const auto entry = [](const char *name) {
-        return std::vector<native_leaf>{{native_tag::interface_name, name}, {native_tag::active, "act"}};
-    };
-    const leaves bare = {{"active", "act"}, {"interface-name", "Ots0/1/0/0"}};
-    leaves described = bare;
-    described.emplace_back("description", "line to Zürich, booster");
-
-    change([&](auto &txn) { native_writer(txn).merge_interface(entry("Ots0/1/0/0")); });
-    EXPECT_EQ(interface("Ots0/1/0/0"), described);
-    change([&](auto &txn) { native_writer(txn).put_interface(entry("Ots0/1/0/0")); });
-    EXPECT_EQ(interface("Ots0/1/0/0"), bare);
-    change([&](auto &txn) { native_writer(txn).merge_interface(entry("Ots0/3/0/1")); });
-    EXPECT_EQ(interface("Ots0/3/0/1").size(), 2U);
-    change([&](auto &txn) { EXPECT_TRUE(native_writer(txn).remove_interface("act", "Ots0/3/0/1")); });
-    change([&](auto &txn) { EXPECT_FALSE(native_writer(txn).remove_interface("act", "Ots0/3/0/1")); });
-    EXPECT_EQ(contents().size(), 12U);
-    const native_leaf keyless[] = {{native_tag::active, "act"}};
-    change([&](auto &txn) { EXPECT_THROW(native_writer(txn).put_interface(keyless), std::invalid_argument); });
-
-    change([&](auto &txn) { EXPECT_TRUE(add_monitor(txn, "0/2-CHMON-PRE")); });
-    change([&](auto &txn) { EXPECT_FALSE(add_monitor(txn, "0/2-CHMON-PRE")); });
-    EXPECT_EQ(list_monitors(ostore::read_transaction(device_.database())), std::vector<std::string>{"0/2-CHMON-PRE"});
-    change([&](auto &txn) { EXPECT_TRUE(remove_monitor(txn, "0/2-CHMON-PRE")); });
-    change([&](auto &txn) { EXPECT_FALSE(remove_monitor(txn, "0/2-CHMON-PRE")); });
-    change([&](auto &txn) { EXPECT_THROW(add_monitor(txn, "Ots0/2/0/1"), std::invalid_argument); });
+    unsigned records = 0;
+    const ostore::read_transaction after(device_.database());
+    for (ostore::cursor at(after, device_.database().table(slices_table)); at.next();)
+        ++records;
+    EXPECT_EQ(records, 1U) << "what was loaded before is gone, slices too";
 }
 
 // Each byte of each record changed and cut: a reader refuses, or gives as many slices as the port says.
@@ -251,30 +148,6 @@ TEST_F(store, refuses_damaged_records)
     }
     EXPECT_GT(cases, 350);
     EXPECT_GT(refused, cases / 3);
-}
-
-TEST_F(store, is_made_once_and_opened_where_it_is)
-{
-    const auto message = [](const std::function<void()> &call) -> std::string {
-        try {
-            call();
-            return "no error";
-        } catch (const std::runtime_error &error) {
-            return error.what();
-        }
-    };
-    const auto elsewhere = folder_.path / "elsewhere";
-    EXPECT_NE(message([&] { folder::open(elsewhere); }).find("chmon init"), std::string::npos);
-    EXPECT_NE(message([&] { folder::create(folder_.path / "store.mdb"); }).find("cannot be made"), std::string::npos);
-    std::filesystem::create_directory(elsewhere);
-    std::ofstream(elsewhere / "store.mdb").put(' ');
-    EXPECT_EQ(message([&] { folder::create(elsewhere); }).rfind("store " + elsewhere.string(), 0), 0U);
-    std::filesystem::resize_file(elsewhere / "store.mdb", 0); // making it was broken off here
-    EXPECT_EQ(message([&] { folder::create(elsewhere); }), "no error");
-    EXPECT_EQ(message([&] { folder::open(elsewhere); }), "no error");
-    EXPECT_NE(message([&] { folder::create(elsewhere); }).find("already"), std::string::npos);
-    EXPECT_NE(message([&] { read_document(elsewhere); }).find("regular"), std::string::npos);
-    EXPECT_NE(message([&] { read_document(elsewhere / "none"); }).find("No such file"), std::string::npos);
 }
 
 } // namespace
