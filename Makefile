@@ -4,13 +4,14 @@
 JOBS ?= $(shell nproc)
 PREFIX ?= /usr/local
 
-.PHONY: help run test bench fuzz soak lint format install plugin coverage clean
+.PHONY: help run test bench fuzz soak mutate lint format install plugin coverage clean
 
 help:
 	@echo "make run      build the program and show it at work on the example device"
 	@echo "make test     every test: with g++, then with clang++ and sanitizers"
 	@echo "make bench    measure speed, against the peers too"
 	@echo "make fuzz     look for crashing inputs            make soak    the long forms of the tests"
+	@echo "make mutate   200 small faults in the plug-in: do its tests notice?"
 	@echo "make lint     format, clang-tidy, may-use table   make format  rewrite sources in our format"
 	@echo "make plugin   the plug-in alone, needs a compiler and cmake only"
 	@echo "make coverage line and branch coverage of the tests"
@@ -43,6 +44,12 @@ soak:
 	@tools/setup build test
 	@tools/build asan-ubsan
 	@tests/soak build/asan-ubsan
+
+mutate:
+	@tools/setup build test
+	@cmake -S . -B build/mutate -G Ninja -DCMAKE_BUILD_TYPE=Debug "-DCHMON_ONLY=oc-chmon;tests/plugin"
+	@cmake --build build/mutate -j $(JOBS)
+	@nice tools/mutate build/mutate
 
 coverage:
 	@tools/setup build test coverage

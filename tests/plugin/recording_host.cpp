@@ -229,26 +229,6 @@ std::string host::text(const std::string &without) const
     return all;
 }
 
-std::string host::added() const
-{
-    std::string all;
-    for (const auto &add : additions)
-        all += add.path + (add.value ? '=' + *add.value : "") + (add.new_list_entry != 0 ? " new\n" : "\n");
-    return all;
-}
-
-std::string host::dump(const dtf_datatree *node, const std::string &indent) const
-{
-    std::string all =
-        indent + printed("%s %s ns=%s op=%u count=%u kind=%u/%x key=%u error=%u flags=%x\n", name(node).c_str(),
-                         quoted(node->value).c_str(), ns_name(node->ns).c_str(), node->operation, node->child_count,
-                         node->node_kind, node->kind_flags, node->is_key, node->error_kind, node->flags);
-    for (uint32_t i = 0;
-         (node->flags & DTF_FLAG_HAS_SUBTREE) != 0 && node->children != nullptr && i < node->child_count; ++i)
-        all += dump(&node->children[i], indent + "  ");
-    return all;
-}
-
 std::string host::imbalance(std::size_t stack_at_entry)
 {
     finish_report();
@@ -437,8 +417,7 @@ faultno dtf_map_datatree_add_path_flagged(dtf_map_ctx ctx, struct dtf_datatree *
                    ns_name(ns).c_str(), quoted(value).c_str(), h.name(source).c_str(), created != nullptr,
                    new_list_entry, ninth));
     const faultno code = h.fails() ? h.fail_code : 0;
-    h.additions.push_back({h.name(tree), path, ns_name(ns), value == nullptr ? text_or_null{} : text_or_null{value},
-                           h.name(source), created != nullptr, new_list_entry, ninth, code});
+    h.additions.push_back({path, value == nullptr ? text_or_null{} : text_or_null{value}, new_list_entry});
     if (code != 0)
         return code;
     dtf_datatree *node = tree == &h.out ? nullptr : h.append(*tree, path, ns);

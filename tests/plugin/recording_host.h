@@ -47,14 +47,11 @@ struct token {
     uint32_t number = 0;
 };
 
-/* One dtf_map_datatree_add_path_flagged() call and the code it was answered with. */
+/* One dtf_map_datatree_add_path_flagged() call. */
 struct addition {
-    std::string tree, path, ns;
+    std::string path;
     text_or_null value;
-    std::string source;
-    bool wants_created;
-    uint32_t new_list_entry, ninth;
-    faultno code;
+    uint32_t new_list_entry;
 };
 
 /* A reporting place, as its site word tells it. The word is all ones first, and what the host left there after that. */
@@ -117,9 +114,6 @@ struct host {
     /* All lines but those that start with one of the words of `without`: by default the pure questions and the copies,
      * whose number is the plug-in's own affair. */
     std::string text(const std::string &without = "is_delete is_add itree_peak itree_size copy") const;
-    std::string added() const;
-    /* Every field of a tree but its pointers. */
-    std::string dump(const dtf_datatree *node, const std::string &indent = "") const;
     /* What was not given back, beyond what the instance-tree stack held at entry, and what broke the contract. */
     std::string imbalance(std::size_t stack_at_entry = 0);
 

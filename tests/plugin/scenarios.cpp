@@ -1,6 +1,8 @@
 #include "scenarios.h"
 #include <dlfcn.h>
+#include <fstream>
 #include <random>
+#include <sstream>
 #include <stdexcept>
 
 namespace recording {
@@ -349,101 +351,48 @@ string compare(const scenario &s, const circumstance &c, std::size_t *calls)
 
 namespace {
 
-const string slice_trees =
-    "ots-spectrum-info{spectrum-slice-power-info{lower-frequency=191325000 upper-frequency=191375000 rx-power=-1234 "
-    "x:aside} spectrum-slice-power-info@3{upper-frequency=2 odd=1 rx-power} spectrum-slice-power-info}";
-const string port_trees = "ots-oper{ots-ports{ots-port{name=Ots0/2/0/1 " + slice_trees + "} ots-port{" + slice_trees +
-                          " name=Ots0/4/0/1 after=1} x:ots-port{name=Ots0/3/0/10} ots-port ots-port@4{-:bare name} "
-                          "other} x:foreign{name=1}}";
-const string interface_trees =
-    "interface-configurations{interface-configuration{active=act interface-name=Ots0/2/0/1} x:aside "
-    "interface-configuration{active=act interface-name=GigabitEthernet0/0/0/1 mtu=9000} "
-    "interface-configuration{interface-name=Ots0/3/0/0 active=act} interface-configuration -:bare "
-    "interface-configuration{x:active interface-name} interface-configuration{}}";
-const string one = "channel-monitors{channel-monitor{name=0/1-CHMON-PRE", all = "channel-monitors";
-const string monitor_pre = " Mn=0/2-CHMON-PRE Mc=0/2-CHMON-PRE Mc=0/2-OtsCtrl-0/1";
-const string all_ports = " O+ On Oo O+ On Oo O+ On Oo O+ On Oo O+ On Oo O+ On Oo", slices = " S+ S/ Sl Su Sl Su Sr";
-
-/* Requests and what each comes to: result, additions, the request afterwards, error_tag. */
-const std::vector<scenario> rows = {
-    {top, 10, all, "", 0, all_ports + slices + " channel-monitors:3"},
-    {top, 0, "channel-monitors{channel-monitor{}}", "", 0,
-     " I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia channel-monitors:3{channel-monitor:4}"},
-    {top, 8, "channel-monitors{channel-monitor{}}", "", FAULT_TREE_ERROR, " channel-monitors:3{channel-monitor}"},
-    {top, 15, "channel-monitors{channel-monitor{name=a name=b}}", "", FAULT_LIST_KEY_ERROR,
-     " channel-monitors:3{channel-monitor:4{name! name!}} name"},
-    {top, 8, "channel-monitors{channel-monitor{name}}", "", FAULT_LIST_KEY_ERROR,
-     " channel-monitors:3{channel-monitor:4{name!}} name"},
-    {top, 0, "channel-monitors{channel-monitor{name config}}", "", 0,
-     " I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia I+ Ii Ia "
-     "channel-monitors:3{channel-monitor:4{name:1! config:3}}"},
-    {top, 1, "channel-monitors{channel-monitor{name@4=0/1-CHMON-PRE}}", "", FAULT_KEY_DELETE,
-     " I+ channel-monitors:3{channel-monitor:4{name@4!}}"},
-    {top, 10, one + "}}", "", 0, " O+ Oo Ii Ia On" + slices + " channel-monitors:3{channel-monitor:4{name:1!}}"},
-    {monitor, 10, "channel-monitor{config{name}}", "", 0,
-     all_ports + " name channel-monitor:4{config:3{name:1} name!}"},
-    {top, 10, one + " config{name=0/1-CHMON-PRE monitor-port=p}}}", "", 0,
-     " O+ Oo Ii Ia On Ii Ia channel-monitors:3{channel-monitor:4{name:1! config:3{name:6 monitor-port:6}}}"},
-    {config, 10, "config{name=0/1-CHMON-PRE monitor-port}", "", 0, " Ii Ia config:3{name:6 monitor-port:1}"},
-    {top, 0, one + " state{name}}}", "", 0, " I+ Ii Ia channel-monitors:3{channel-monitor:4{name:1! state{name}}}"},
-    {top, 1, one + " state{name}}}", "", FAULT_UNSUPPORTED_TAG,
-     " I+ Ii Ia channel-monitors:3{channel-monitor:4{name:1! state{name}}} state"},
-    {config, 1, "config@1{name=0/1-CHMON-PRE x:new}", "", FAULT_UNSUPPORTED_AUGMENT,
-     " Ii Ia config@1:3{name:1 new} new"},
-    {top, 1, "channel-monitors{channel-monitor@1{name=0/1-CHMON-PRE config{name=0/1-CHMON-PRE}}}", "", 0,
-     " Ii Ia I+ Ii Ia Ii Ia channel-monitors:3{channel-monitor@1:4{name:1! config:3{name:1}}}"},
-    {top, 1, "channel-monitors@1{channel-monitor@1{name=0/1-CHMON-PRE config@1{name=0/1-CHMON-PRE}}}", "", 0,
-     " Ii Ia I+ Ii Ia Ii Ia channel-monitors:3{channel-monitor:4{name:1! config@1:3{name:1}}}"},
-    {top, 1, one + " config@3{name=0/1-CHMON-PRE}}}", "", FAULT_INVALID_ARGS,
-     " I+ Ii Ia channel-monitors:3{channel-monitor:4{name:1! config@3{name}}}"},
-    {state, 1, "state@3{name=0/1-CHMON-PRE}", "", 0, " On state@3:3{name:1}"},
-    {top, 1, "channel-monitors{channel-monitor@3{name=0/1-CHMON-PRE}}", "", 0,
-     " Ii Ia channel-monitors:3{channel-monitor@4:4{name:1!}}"},
-    {top, 2, "channel-monitors{channel-monitor@3}", "", 0, " channel-monitors:3{channel-monitor@3:4}"},
-    {top, 1, "channel-monitors@3", "", 0, " channel-monitors@3:3"},
-    {config, 10, "config{x:new -:new}", "", 0, " config:3{new new}"},
-    {top, 1, one + " -:new}}", "", FAULT_UNSUPPORTED_AUGMENT,
-     " I+ Ii Ia channel-monitors:3{channel-monitor:4{name:1! new}} new"},
-    {channels, 0, "channels{channel{lower-frequency=1 upper-frequency=2}}", "", 0,
-     " S+ channels:3{channel:4{lower-frequency! upper-frequency!}}"},
-    {channels, 10, "channels{channel{lower-frequency=1 upper-frequency=2}}", "", 0,
-     slices + " channels:3{channel:4{lower-frequency:1! upper-frequency:1!}}"},
-    {channels, 10, "channels{channel{state{power=-4.35}}}", "", 0,
-     " S+ Sr Sl Su Sr lower-frequency upper-frequency "
-     "channels:3{channel:4{state:3{power:6} lower-frequency! upper-frequency!}}"},
-    {channels, 1, "channels{channel{lower-frequency=1 upper-frequency=2}}", "", FAULT_UNSUPPORTED_TAG,
-     " S+ channels:3{channel:4{lower-frequency! upper-frequency!}} lower-frequency"},
-    {channels, 2, "channels{channel@3{}}", "", 0, " S+ channels:3{channel@3:4}"},
-    {channels, 10, "channels@3", "", 0, slices + " channels@3:3"},
-    {top, 10, all, "entries{channel-monitor{name=0/1-CHMON-PRE} channel-monitor{name=0/3-CHMON-PRE}}", 0,
-     all_ports + " Ii Ia On" + slices + " Ii Ia On" + slices + " channel-monitors:3"},
-    {channels, 10, "channels@3", "entries{channel{lower-frequency=1} channel}", 0,
-     " S+ S/ Sl Sl Su Sr Sl Su Sr S/ Sl Su Sl Su Sr channels@3:3"},
-    {top, 10, all, "entries{channel-monitor}", 0, all_ports + slices + " channel-monitors:3",
-     [](host &h) { h.itree.resize(65535); }, 'w', true},
-    {ots, 10, port_trees, "", 0,
-     " M+ Mn=0/2-CHMON-PRE Ms=0/2-CHMON-PRE Ms=0/2-OtsCtrl-0/1 C+ Cl=191325000 Cs=191325000 Cs=191375000 Cu=191375000 "
-     "Cs=-12.34 C+ Cs=2 Cu=2 Cs= C+ M+ C+ Cl=191325000 Cs=191325000 Cs=191375000 Cu=191375000 Cs=-12.34 C+ Cs=2 Cu=2 "
-     "Cs= C+ M+ Mn=0/3-CHMON-PRE Ms=0/3-CHMON-PRE Ms=0/3-OtsCtrl-0/1 M+"},
-    {ots, 0, port_trees, "", 0, ""},
-    {port, 10, "ots-port{name=Ots0/3/0/01 " + slice_trees + "}", "", 0,
-     " M+ Mn=0/3-CHMON-BST Ms=0/3-CHMON-BST Ms=0/3-OtsCtrl-0/0 C+ Cl=191325000 Cs=191325000 Cs=191375000 Cu=191375000 "
-     "Cs=-12.34 C+ Cs=2 Cu=2 Cs= C+"},
-    {ots, 10, "ots-oper{ots-ports{ots-port{name=Ots0/2/0/1}}}", "", 0,
-     " M+ Mn=0/2-CHMON-PRE Ms=0/2-CHMON-PRE Ms=0/2-OtsCtrl-0/1", [](host &h) { h.state.output_list_len = 255; }},
-    {slice, 10, "spectrum-slice-power-info@4{rx-power=5 lower-frequency=1}", "", 0, " C+ Cs=0.05 Cl=1 Cs=1"},
-    {interfaces, 0, interface_trees, "", 0,
-     " Mn=0/2-CHMON-PRE Mc=0/2-CHMON-PRE Mc=0/2-OtsCtrl-0/1 Mn=0/3-CHMON-BST Mc=0/3-CHMON-BST Mc=0/3-OtsCtrl-0/0"},
-    {interfaces, 10, "interface-configurations{interface-configuration{interface-name=Ots0/2/0/1}}", "", 0, "",
-     [](host &h) { h.request.req_option_bits = 4, h.request.req_scope = 2; }},
-    {interfaces, 1, "interface-configurations{interface-configuration{interface-name=Ots0/2/0/1}}", "", 0, monitor_pre,
-     [](host &h) { h.request.req_scope = 2; }},
-    {interfaces, 1, "interface-configurations{interface-configuration{interface-name=Ots0/2/0/1}}", "", 0, monitor_pre,
-     [](host &h) { h.request.req_option_bits = 4, h.request.req_scope = 1; }},
-};
+/* One row of the file: "node kind code setting=number ...". */
+scenario read_row(const string &line)
+{
+    std::istringstream words(line);
+    scenario row;
+    string part, setting;
+    words >> part >> row.kind >> std::hex >> row.rc;
+    while (row.start < ids && nodes[row.start].part != part)
+        row.start = static_cast<id>(row.start + 1);
+    std::map<string, uint32_t> settings;
+    while (words >> setting)
+        settings[setting.substr(0, setting.find('='))] =
+            static_cast<uint32_t>(std::stoul(setting.substr(setting.find('=') + 1)));
+    row.leaves_entries = settings.contains("stack"); // 16 bits do not see one more
+    row.change = [settings](host &h) mutable {
+        h.itree.resize(settings["stack"]);
+        h.state.output_list_len = static_cast<uint8_t>(settings["listed"]);
+        h.request.req_option_bits = settings["options"];
+        h.request.req_scope = settings["scope"];
+    };
+    return row;
+}
 
 } // namespace
 
-const std::vector<scenario> &table() { return rows; }
+const std::vector<scenario> &table()
+{
+    static const std::vector<scenario> rows = [] {
+        std::vector<scenario> all;
+        std::ifstream file(CHMON_SCENARIOS);
+        for (string line; std::getline(file, line);)
+            if (line.starts_with("  ="))
+                all.back().expected = line.substr(3);
+            else if (line.starts_with("  + "))
+                all.back().pushed = line.substr(4);
+            else if (line.starts_with("    "))
+                all.back().tree = line.substr(4);
+            else if (!line.empty() && line[0] != '#')
+                all.push_back(read_row(line));
+        return all;
+    }();
+    return rows;
+}
 
 } // namespace recording

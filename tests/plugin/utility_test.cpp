@@ -476,25 +476,3 @@ TEST(utility, client_library_looked_for)
     };
     EXPECT_EXIT(sequence(), testing::ExitedWithCode(0), "");
 }
-
-/* What the inventory says is what counts, not what it is called; and a database that serves nothing has no monitor. */
-TEST(utility, inventory)
-{
-    host h({"0/0-CHMON-PRE", "0/3-CHMON-BST"});
-    h.context.debug_filter.levels = 1;
-    h.context.trace_on = 0;
-    EXPECT_EQ(check_controller_name_ots_is_good(&h.context, "Ots0/0/0/1"), 1);
-    EXPECT_EQ(check_controller_name_ots_is_good(&h.context, "Ots0/3/0/0"), 1);
-    for (const char *name : {"Ots0/3/0/1", "Ots0/1/0/2", "Ots0/4/0/1", "Ots0/9/0/7", "xyz", "Ots0/%s/0/0"})
-        EXPECT_EQ(check_controller_name_ots_is_good(&h.context, name), 0);
-    h.null_handle = true;
-    EXPECT_EQ(check_controller_name_ots_is_good(&h.context, "Ots0/3/0/0"), 0);
-    const string wrong = "ERR Invalid controller_name [", discard = ", discard it!\n",
-                 absent = "] is not present in ostore inventory" + discard;
-    EXPECT_EQ(h.text("access bind get unbind header walk token release destroy copy"),
-              "ERR Chmon_name [0/3-CHMON-PRE" + absent + wrong + "Ots0/1/0/2] and port id [2]" + discard + wrong +
-                  "Ots0/4/0/1] and slot id [4]" + discard + wrong + "Ots0/9/0/7] and port id [7]" + discard + wrong +
-                  "xyz] and port id [-1]" + discard + wrong + "Ots0/%s/0/0] and port id [-1]" + discard +
-                  "ERR Chmon_name [0/3-CHMON-BST" + absent);
-    EXPECT_EQ(h.imbalance(), "");
-}
