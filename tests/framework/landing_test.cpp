@@ -1,207 +1,139 @@
-/* Where added paths land. */
+/* Where added paths land, and what the operations do for requests. */
 #include "faults.h"
 #include "scripted_walk.h"
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 
 using namespace scripted;
+using framework::direction;
 
 namespace {
 
-const std::string monitor_path = monitor;
-const std::string channel_path = channel;
-
-void add_channel(walk &w, const char *frequency)
+framework::mapping_options request(std::uint32_t kind, direction way = direction::openconfig_to_native)
 {
-    w.entry(ots_slice, [&] {
-        EXPECT_EQ(w.add_entry(channel), FAULT_SUCCESS);
-        w.add((channel_path + "/lower-frequency").c_str(), frequency);
-        w.add((channel_path + "/state/lower-frequency").c_str(), frequency);
-    });
+    return {
+        .way = way, .request_kind = kind, .request_key = [](std::string_view key) { return "M" + std::string(key); }};
 }
 
-void add_port(walk &w, const char *name, std::initializer_list<const char *> channels)
-{
-    w.entry(ots_port, [&] {
-        w.add_entry(monitor);
-        for (const char *frequency : channels)
-            add_channel(w, frequency);
-        /* After the channels: their frames are closed again. */
-        if (name != nullptr)
-            w.add((monitor_path + "/name").c_str(), name);
-    });
-}
+struct scenario {
+    direction way;
+    const char *steps, *expected;
+    std::size_t instances = 0; /* of a whole list */
+};
 
-TEST(landing, each_entry_gets_what_is_added_for_it_on_two_list_levels)
-{
-    for (const bool poison : {false, true}) {
-        walk w;
-        w.memory.set_poison(poison);
-        EXPECT_EQ(w.run([](walk &walking) {
-            add_port(walking, "A", {"1", "2"});
-            add_port(walking, "B", {});
-            add_port(walking, "C", {"3", "4", "5", "6", "7"});
-            return FAULT_SUCCESS;
-        }),
-                  FAULT_SUCCESS);
-        const auto one = [](const std::string &f) {
-            return "channel{lower-frequency=" + f + " state{lower-frequency=" + f + "}}";
-        };
-        EXPECT_EQ(text_of(w.out), "{channel-monitors{channel-monitor{channels{" + one("1") + " " + one("2") +
-                                      "} name=A} channel-monitor{name=B} channel-monitor{channels{" + one("3") + " " +
-                                      one("4") + " " + one("5") + " " + one("6") + " " + one("7") + "} name=C}}}");
-        EXPECT_TRUE(w.map.balanced());
-    }
-}
+constexpr direction up = direction::native_to_openconfig, down = direction::openconfig_to_native;
+const scenario scenarios[] = {
+    /* each entry gets what is added for it, on two list levels, its key last */
+    {up,
+     "(P +M (S +C C/lower-frequency=1 C/state/lower-frequency=1 ) (S +C C/lower-frequency=2 ) M/name=A ) (P +M "
+     "M/name=B ) (P +M (S +C C/upper-frequency=3 ) (S +C C/a=4 ) (S +C C/a=5 ) (S +C C/a=6 ) (S +C C/a=7 ) M/name=C )",
+     "{channel-monitors{channel-monitor{channels{channel{lower-frequency=1 state{lower-frequency=1}} "
+     "channel{lower-frequency=2}} name=A} channel-monitor{name=B} channel-monitor{channels{channel{upper-frequency=3} "
+     "channel{a=4} channel{a=5} channel{a=6} channel{a=7}} name=C}}}"},
+    /* an entry that nobody added is created once per native entry */
+    {up, "(I M/name=A M/config/name=A ) (I ) (I M/name=B )",
+     "{channel-monitors{channel-monitor{name=A config{name=A}} channel-monitor{name=B}}}"},
+    /* an entry left without its key is withdrawn with all below, wherever it stands */
+    {up, "(P +M (S +C C/a=1 ) )", ""},
+    {up, "(P +M (S +C C/a=1 ) ) (P +M M/name=A )", "{channel-monitors{channel-monitor{name=A}}}"},
+    {up, "(P +M M/name=A ) (P +M (S +C ) ) (P +M ) (P +M M/name=B )",
+     "{channel-monitors{channel-monitor{name=A} channel-monitor{name=B}}}"},
+    /* what exists is used and gets the new value; a closing slash names the entry, and a value is not the entry's */
+    {up, "(P M/name=old M/name=new M/=none M ) (P M/=none M/name=B )",
+     "{channel-monitors{channel-monitor{name=new} channel-monitor{name=B}}}"},
+    /* a list below a new entry starts anew */
+    {down, "(M=x +P P/name=A S/rx-power S/lower-frequency +P P/name=B S/rx-power )",
+     "{ots-oper{ots-ports{ots-port{name=A ots-spectrum-info{spectrum-slice-power-info{rx-power lower-frequency}}} "
+     "ots-port{name=B ots-spectrum-info{spectrum-slice-power-info{rx-power}}}}}}"},
+    /* a whole list has an instance per native entry, even where an array moves; a second pass binds them anew */
+    {down, "(M +P P/name=1 +P P/name=2 +P P/name=3 +P P/name=4 +P P/name=5 @ )",
+     "{ots-oper{ots-ports{ots-port{name=1 rx-power=M1} ots-port{name=2 rx-power=M2} ots-port{name=3 rx-power=M3} "
+     "ots-port{name=4 rx-power=M4} ots-port{name=5 rx-power=M5}}}}",
+     5},
+    {down, "(M +P P/name=1 +P P/name=2 +P P/name=1 +P P/name=2 @ )",
+     "{ots-oper{ots-ports{ots-port{name=1} ots-port{name=2} ots-port{name=1 rx-power=M1} ots-port{name=2 "
+     "rx-power=M2}}}}",
+     2},
+    /* instances are those of an entry without a name, for the first key, of the monitors' list, in requests */
+    {down, "(M +I I/interface-name=1 I/active=act @ )",
+     "{interface-configurations{interface-configuration{interface-name=1 active=act}} "
+     "ots-oper{ots-ports{ots-port{rx-power=M1}}}}",
+     1},
+    {down, "(M=x +I I/interface-name=1 )", "{interface-configurations{interface-configuration{interface-name=1}}}"},
+    {down, "(C +I I/interface-name=1 )", "{interface-configurations{interface-configuration{interface-name=1}}}"},
+    {up, "(M +I I/interface-name=1 )", "{interface-configurations{interface-configuration{interface-name=1}}}"},
+};
 
-TEST(landing, an_entry_that_nobody_added_is_created_once_per_native_entry)
+TEST(landing, paths_land_where_the_walk_stands)
 {
-    walk w;
-    w.run([](walk &walking) {
-        for (const char *name : {"A", "B"}) {
-            walking.entry(interface_entry, [&] {
-                walking.add((monitor_path + "/name").c_str(), name);
-                walking.add((monitor_path + "/config/name").c_str(), name);
+    for (const scenario &row : scenarios)
+        for (const bool poison : {false, true}) {
+            walk w(request(10, row.way));
+            w.memory.set_poison(poison);
+            std::istringstream steps(row.steps);
+            w.run([&](walk &walking) {
+                walking.play(steps);
+                return FAULT_SUCCESS;
             });
-            walking.entry(interface_entry, [] {});
+            EXPECT_EQ(text_of(w.out), row.expected) << row.steps;
+            EXPECT_EQ(w.map.instances().size(), row.instances) << row.steps;
+            EXPECT_TRUE(w.map.balanced()) << row.steps;
+            for (const dtf_datatree *instance : w.map.instances())
+                EXPECT_STREQ(instance->children[0].ns, "urn:request");
         }
-        return FAULT_SUCCESS;
-    });
-    EXPECT_EQ(text_of(w.out),
-              "{channel-monitors{channel-monitor{name=A config{name=A}} channel-monitor{name=B config{name=B}}}}");
-    const dtf_datatree &key = w.out.children[0].children[0].children[0];
-    EXPECT_EQ(key.is_key, 1);
-    EXPECT_EQ(key.flags, DTF_FLAG_VALID | DTF_FLAG_HAS_VALUE | DTF_FLAG_KEY);
-    EXPECT_STREQ(key.ns, "urn:test");
-}
-
-TEST(landing, an_entry_left_without_its_key_is_withdrawn_with_all_below)
-{
-    for (const std::initializer_list<const char *> ports :
-         {std::initializer_list<const char *>{nullptr}, {nullptr, "A"}, {"A", nullptr}, {"A", nullptr, nullptr, "B"}}) {
-        walk w;
-        w.run([&](walk &walking) {
-            for (const char *name : ports)
-                add_port(walking, name, {"1"});
-            return FAULT_SUCCESS;
-        });
-        std::string expected;
-        for (const char *name : ports) {
-            if (name != nullptr)
-                expected += (expected.empty() ? "" : " ") +
-                            ("channel-monitor{channels{channel{lower-frequency=1 state{lower-frequency=1}}} name=" +
-                             std::string(name) + "}");
-        }
-        EXPECT_EQ(text_of(w.out), expected.empty() ? "" : "{channel-monitors{" + expected + "}}");
-    }
-}
-
-TEST(landing, what_exists_is_used_and_gets_the_new_value)
-{
-    walk w;
-    w.run([](walk &walking) {
-        walking.entry(ots_port, [&] {
-            dtf_datatree *first = nullptr;
-            dtf_datatree *again = nullptr;
-            walking.add((monitor_path + "/name").c_str(), "old", false, nullptr, &first);
-            walking.add((monitor_path + "/name").c_str(), "new", false, nullptr, &again);
-            EXPECT_EQ(first, again);
-            /* A closing slash names the entry; the value is not the entry's. */
-            walking.add((monitor_path + "/").c_str(), "none");
-            walking.add(monitor);
-        });
-        walking.entry(ots_port, [&] {
-            walking.add((monitor_path + "/").c_str(), "none");
-            walking.add((monitor_path + "/name").c_str(), "B");
-        });
-        return FAULT_SUCCESS;
-    });
-    EXPECT_EQ(text_of(w.out), "{channel-monitors{channel-monitor{name=new} channel-monitor{name=B}}}");
-}
-
-TEST(landing, a_list_below_a_new_entry_starts_anew)
-{
-    walk w({.way = framework::direction::openconfig_to_native});
-    const std::string slice = ots_slice;
-    w.run([&](walk &walking) {
-        walking.entry(monitor, [&] {
-            for (const char *name : {"A", "B"}) {
-                walking.add_entry(ots_port);
-                walking.add("/ots-oper/ots-ports/ots-port/name", name);
-                walking.add((slice + "/rx-power").c_str());
-                walking.add((slice + "/lower-frequency").c_str());
-            }
-        });
-        return FAULT_SUCCESS;
-    });
-    const std::string below = "ots-spectrum-info{spectrum-slice-power-info{rx-power lower-frequency}}";
-    EXPECT_EQ(text_of(w.out), "{ots-oper{ots-ports{ots-port{name=A " + below + "} ots-port{name=B " + below + "}}}}");
 }
 
 TEST(landing, an_added_node_takes_over_the_operation_of_its_source)
 {
-    walk w({.way = framework::direction::openconfig_to_native, .request_kind = 1});
-    framework::arena memory;
+    walk w(request(1));
     dtf_datatree entry{};
     entry.tag = "channel-monitor";
-    dtf_datatree &name = framework::add_child(memory, entry);
-    name.tag = "name";
-    name.value = "0/1-CHMON-PRE";
+    dtf_datatree &name = give(w.memory, entry, "name", "0/1-CHMON-PRE");
     name.is_key = 1;
-    name.flags |= DTF_FLAG_HAS_VALUE | DTF_FLAG_OP_SET;
+    name.flags |= DTF_FLAG_OP_SET;
     name.operation = 2;
     w.run([&](walk &walking) {
-        walking.entry(monitor, entry, [&] {
-            walking.add_entry(interface_entry);
-            walking.add("/interface-configurations/interface-configuration/interface-name", "Ots", false, &name);
+        walking.entry('M', entry, [&] {
+            walking.add(list_path('I'), nullptr, true);
+            walking.add(list_path('I') + std::string("/interface-name"), "Ots", false, &name);
         });
         return FAULT_SUCCESS;
     });
-    const dtf_datatree &list_entry = w.out.children[0].children[0];
-    const dtf_datatree &leaf = list_entry.children[0];
+    const dtf_datatree &list_entry = w.out.children[0].children[0], &leaf = list_entry.children[0];
     EXPECT_EQ(leaf.operation, 2U);
-    EXPECT_NE(leaf.flags & DTF_FLAG_OP_SET, 0U);
+    EXPECT_EQ(leaf.flags, DTF_FLAG_VALID | DTF_FLAG_HAS_VALUE | DTF_FLAG_KEY | DTF_FLAG_OP_SET);
+    EXPECT_EQ(leaf.is_key, 1);
+    EXPECT_STREQ(leaf.ns, "urn:test");
     ASSERT_NE(w.map.source_of(leaf), nullptr);
     EXPECT_EQ(w.map.source_of(leaf)->path, "/channel-monitor[name='0/1-CHMON-PRE']/name");
     EXPECT_EQ(w.map.source_of(list_entry), nullptr);
     EXPECT_EQ(list_entry.flags & DTF_FLAG_OP_SET, 0U);
 }
 
-TEST(landing, a_path_that_names_nothing_is_refused_and_changes_nothing)
+TEST(landing, a_path_that_names_nothing_changes_nothing_and_one_is_known_by_its_text)
 {
     walk w;
-    const std::string deep = [] {
-        std::string path;
-        for (std::size_t i = 0; i <= framework::path_table::max_segments; ++i)
-            path += "/a";
-        return path;
-    }();
+    std::string deep;
+    for (std::size_t i = 0; i <= framework::path_table::max_segments; ++i)
+        deep += "/a";
+    char path[] = "/a/b";
     w.run([&](walk &walking) {
-        for (const char *path : {"", "/", "//a", "/a//b", "/a//", "a/b", "a/", deep.c_str()})
-            EXPECT_EQ(walking.add(path, "1"), framework::fault_bad_path) << path;
+        for (const std::string &bad : {std::string(), std::string("/"), std::string("//a"), std::string("/a//b"),
+                                       std::string("/a//"), std::string("a/b"), std::string("a/"), deep})
+            EXPECT_EQ(walking.add(bad, "1"), framework::fault_bad_path) << bad;
         dtf_datatree other{};
         EXPECT_EQ(dtf_map_datatree_add_path_flagged(walking.ctx, &other, "/a", "", "", nullptr, nullptr, 0, 0),
                   framework::fault_bad_path);
+        for (const char last : {'b', 'c'}) {
+            path[3] = last; /* at the same address */
+            dtf_map_datatree_add_path_flagged(walking.ctx, &walking.out, path, "", "", nullptr, nullptr, 0, 0);
+        }
         return FAULT_SUCCESS;
     });
-    EXPECT_EQ(text_of(w.out), "");
-}
-
-TEST(landing, a_path_is_known_by_its_text_not_by_its_address)
-{
-    walk w;
-    char path[] = "/channel-monitors/channel-monitor/name";
-    w.run([&](walk &walking) {
-        walking.entry(ots_port, [&] {
-            walking.add(path, "A");
-            path[sizeof path - 2] = 'X';
-            walking.add(path, "B");
-        });
-        return FAULT_SUCCESS;
-    });
-    EXPECT_EQ(text_of(w.out), "{channel-monitors{channel-monitor{name=A namX=B}}}");
+    EXPECT_EQ(text_of(w.out), "{a{b= c=}}");
 }
 
 /* Seconds and bytes of mapping `count` channels below one monitor. */
@@ -210,15 +142,18 @@ std::pair<double, std::size_t> cost_of(std::size_t count)
     walk w;
     const auto start = std::chrono::steady_clock::now();
     w.run([&](walk &walking) {
-        walking.entry(ots_port, [&] {
-            walking.add_entry(monitor);
-            walking.add("/channel-monitors/channel-monitor/name", "A");
+        walking.entry('P', {}, [&] {
+            walking.add(list_path('M'), nullptr, true);
             for (std::size_t i = 0; i < count; ++i)
-                add_channel(walking, "191350000");
+                walking.entry('S', {}, [&] {
+                    walking.add(list_path('C'), nullptr, true);
+                    walking.add(list_path('C') + std::string("/lower-frequency"), "191350000");
+                });
+            walking.add("/channel-monitors/channel-monitor/name", "A");
         });
         return FAULT_SUCCESS;
     });
-    EXPECT_EQ(w.out.children[0].children[0].children[1].child_count, count);
+    EXPECT_EQ(w.out.children[0].children[0].children[0].child_count, count);
     return {std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), w.memory.used()};
 }
 
@@ -229,6 +164,72 @@ TEST(landing, time_and_memory_grow_with_the_entries)
     /* Ten times the entries; a search among them would cost a hundred times the time. The machine may be busy. */
     EXPECT_LT(large_time, 40 * small_time);
     EXPECT_LT(large_bytes, 15 * small_bytes);
+}
+
+TEST(request, a_key_leaf_is_added_to_the_request_itself)
+{
+    /* An array as a walker leaves it: put back after it was parked, its room unknown. */
+    std::array<dtf_datatree, 2> children{};
+    children[0].tag = "config";
+    children[1].tag = "state";
+    dtf_datatree entry{};
+    entry.tag = "channel-monitor";
+    entry.children = children.data();
+    entry.child_count = 2;
+    entry.child_room = 7;
+    entry.flags = DTF_FLAG_VALID | DTF_FLAG_HAS_SUBTREE;
+    framework::arena memory;
+    auto options = request(10);
+    options.request_memory = &memory;
+    walk w(options);
+    w.run([&](walk &walking) {
+        for (const char *tag : {"name", "name", "other", "third", "fourth"}) {
+            dtf_datatree *created = nullptr;
+            EXPECT_EQ(dtf_map_datatree_add_path_flagged(walking.ctx, &entry, tag, "urn:test", nullptr, nullptr,
+                                                        &created, 0, 0),
+                      FAULT_SUCCESS);
+            EXPECT_STREQ(created->tag, tag);
+        }
+        return FAULT_SUCCESS;
+    });
+    EXPECT_EQ(text_of(entry), "channel-monitor{config state name other third fourth}");
+    EXPECT_EQ(text_of(w.out), "");
+}
+
+TEST(request, an_empty_value_is_a_value_except_in_the_request_of_a_read)
+{
+    for (const direction way : {up, down})
+        for (const std::uint32_t kind : {0u, 1u, 10u}) {
+            walk w(request(kind, way));
+            w.run([](walk &walking) { return walking.add("/a", ""); });
+            EXPECT_EQ(text_of(w.out), way == up || kind == 1 ? "{a=}" : "{a}");
+        }
+}
+
+TEST(request, a_key_must_agree_with_the_leaf_it_refers_to)
+{
+    struct {
+        const char *key;
+        bool container;
+        const char *target;
+        faultno code;
+    } const rows[] = {{"A", true, "A", 0},
+                      {"A", true, nullptr, 0},
+                      {"A", false, nullptr, 0},
+                      {nullptr, true, "A", 0},
+                      {"A", true, "B", framework::fault_leafref_mismatch}};
+    for (const auto &row : rows) {
+        walk w(request(1));
+        dtf_datatree entry{};
+        give(w.memory, entry, "name", row.key);
+        if (row.container)
+            give(w.memory, give(w.memory, entry, "config"), "name", row.target);
+        EXPECT_EQ(w.run([&](walk &walking) {
+            return static_cast<faultno>(
+                dtf_map_check_oc_leafref(walking.ctx, list_path('M'), "config", "name", &entry));
+        }),
+                  row.code);
+    }
 }
 
 } // namespace
