@@ -92,7 +92,7 @@ std::string tree_builder::path() const
 {
     std::string path;
     for (std::size_t level = 1; level < open_.size(); ++level)
-        path += "/" + step(waiting_[open_[level]].tag, level - 1, open_[level]);
+        path.append("/").append(step(waiting_[open_[level]].tag, level - 1, open_[level]));
     return path;
 }
 
