@@ -5,6 +5,7 @@
 
 #include <iostream>
 #include <memory>
+#include <string_view>
 
 namespace cli {
 
@@ -23,7 +24,7 @@ void get(const get_arguments &arguments, const global_options &globals)
     if (arguments.stats)
         options.stats = &std::cerr;
     const service::plugin mapper;
-    std::cout << service::get_document(mapper, device, options);
+    service::get_document(mapper, device, options, [](std::string_view piece) { std::cout << piece; });
 }
 
 } // namespace

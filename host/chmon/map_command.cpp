@@ -6,6 +6,7 @@
 
 #include <iostream>
 #include <memory>
+#include <string_view>
 
 namespace cli {
 
@@ -22,7 +23,7 @@ void map(const map_arguments &arguments, const global_options &globals)
     options.walks = globals.walks();
     const service::plugin mapper;
     const device::temporary_inventory inventory{std::filesystem::path(arguments.inventory)};
-    std::cout << service::map_document(mapper, options);
+    service::map_document(mapper, options, [](std::string_view piece) { std::cout << piece; });
 }
 
 } // namespace

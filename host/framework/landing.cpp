@@ -86,24 +86,65 @@ landed landing::add(const parsed_path &path, const addition &what)
     const char *const value = what.value == nullptr || names_entry ? nullptr : memory_->copy(what.value);
     position here;
     enter_start(here, path, what.new_list_entry ? length - 1 : length);
-    while (here.depth < length && path.segments[here.depth].list == nullptr &&
-           enter_existing(here, path.segments[here.depth].tag)) {
-    }
     landed result;
-    result.created = here.depth < length;
-    if (result.created)
-        create_rest(here, path, what);
-    result.node = here.node;
+    dtf_datatree *parent = nullptr;
+    if (here.depth >= path.lists_end && here.depth < length) {
+        result.created = add_below(here.node, parent, path, here.depth, what.ns);
+    } else {
+        while (here.depth < length && path.segments[here.depth].list == nullptr &&
+               enter_existing(here, path.segments[here.depth].tag)) {
+        }
+        result.created = here.depth < length;
+        if (result.created)
+            create_rest(here, path, what);
+    }
+    dtf_datatree &node = *here.node;
+    const bool is_key = path.segments.back().is_key;
+    result.node = &node;
     /* In a read the first key names the entry: another one is a content match, which the filter of the reply is for. */
-    const bool keeps_key = what.empty_is_valueless && !result.created && path.segments.back().is_key &&
-                           (here.node->flags & DTF_FLAG_HAS_VALUE) != 0;
-    give_value(*here.node, keeps_key ? nullptr : value, what);
-    give_operation(*here.node, what);
-    if (result.created && what.entry_operation != 0 && path.segments.back().is_key)
-        give_entry_operation(node_at(here, length - 1), what.entry_operation);
-    if (result.created && path.segments.back().is_key && (here.node->flags & DTF_FLAG_HAS_VALUE) != 0)
+    const bool keeps_key =
+        what.empty_is_valueless && !result.created && is_key && (node.flags & DTF_FLAG_HAS_VALUE) != 0;
+    give_value(node, keeps_key ? nullptr : value, what);
+    give_operation(node, what);
+    if (!result.created || !is_key)
+        return result;
+    if (what.entry_operation != 0)
+        give_entry_operation(parent != nullptr ? *parent : node_at(here, length - 1), what.entry_operation);
+    if ((node.flags & DTF_FLAG_HAS_VALUE) != 0)
         result.keyed_entry = take_awaiting(*path.segments[length - 2].list);
     return result;
+}
+
+/*
+ * The common case: the path names no list entry beyond `node`, at `depth`. Goes down to its last node, creating what is
+ * missing, and nothing has to be remembered. True when the last node was created; `parent` is then the one above it.
+ */
+bool landing::add_below(dtf_datatree *&node, dtf_datatree *&parent, const parsed_path &path, std::size_t depth,
+                        const char *ns)
+{
+    const std::size_t length = path.segments.size();
+    dtf_datatree *found = node;
+    for (; depth < length && found != nullptr; ++depth) {
+        node = found;
+        found = existing_child(*node, path.segments[depth].tag);
+    }
+    if (found != nullptr) {
+        node = found;
+        return false;
+    }
+    dtf_datatree *const first_parent = node;
+    const std::uint32_t count_before = first_parent->child_count;
+    try {
+        for (--depth; depth < length; ++depth) {
+            parent = node;
+            node = &new_child(*parent, path.segments[depth], ns);
+        }
+    } catch (...) {
+        if (first_parent->child_count > count_before)
+            drop_last_child(*first_parent);
+        throw;
+    }
+    return true;
 }
 
 /*
@@ -144,18 +185,25 @@ void landing::complete_steps(position &here)
 
 bool landing::enter_existing(position &here, const char *tag) const
 {
-    if ((here.node->flags & DTF_FLAG_HAS_SUBTREE) == 0)
+    dtf_datatree *const child = existing_child(*here.node, tag);
+    if (child == nullptr)
         return false;
-    dtf_datatree *const children = here.node->children;
-    for (std::uint32_t i = 0; i < here.node->child_count; ++i) {
-        const char *const other = children[i].tag;
-        if (other != tag && !(foreign_tags_ && other != nullptr && std::strcmp(other, tag) == 0))
-            continue;
-        here.steps[here.depth++] = i;
-        here.node = &children[i];
-        return true;
+    here.steps[here.depth++] = static_cast<std::uint32_t>(child - here.node->children);
+    here.node = child;
+    return true;
+}
+
+dtf_datatree *landing::existing_child(const dtf_datatree &parent, const char *tag) const
+{
+    if ((parent.flags & DTF_FLAG_HAS_SUBTREE) == 0)
+        return nullptr;
+    dtf_datatree *const end = parent.children + parent.child_count;
+    for (dtf_datatree *child = parent.children; child != end; ++child) {
+        const char *const other = child->tag;
+        if (other == tag || (foreign_tags_ && other != nullptr && std::strcmp(other, tag) == 0))
+            return child;
     }
-    return false;
+    return nullptr;
 }
 
 void landing::create_rest(position &here, const parsed_path &path, const addition &what)
@@ -185,8 +233,23 @@ void landing::create_rest(position &here, const parsed_path &path, const additio
 void landing::create_child(position &here, const path_segment &segment, const char *ns)
 {
     dtf_datatree &parent = *here.node;
-    const dtf_datatree *const before = parent.child_count == 0 ? nullptr : parent.children;
+    here.node = &new_child(parent, segment, ns);
+    here.steps[here.depth++] = parent.child_count - 1;
+}
+
+/*
+ * Nodes of one name mostly have as many children as the one before them: so much room is made at once, and an array is
+ * neither moved nor larger than it needs to be.
+ */
+dtf_datatree &landing::new_child(dtf_datatree &parent, const path_segment &segment, const char *ns)
+{
+    room_hint &hint = hints_[(reinterpret_cast<std::uintptr_t>(parent.tag) >> 1) % hints_.size()];
+    const bool is_first = (parent.flags & DTF_FLAG_HAS_SUBTREE) == 0 || parent.child_count == 0;
+    if (is_first && hint.tag == parent.tag)
+        reserve_children(*memory_, parent, hint.count);
+    const dtf_datatree *const before = is_first ? nullptr : parent.children;
     dtf_datatree &child = add_child(*memory_, parent);
+    hint = {parent.tag, parent.child_count};
     if (before != nullptr && before != parent.children)
         ++moves_;
     child.tag = segment.tag;
@@ -199,8 +262,7 @@ void landing::create_child(position &here, const path_segment &segment, const ch
         child.is_key = 1;
         child.flags |= DTF_FLAG_KEY;
     }
-    here.steps[here.depth++] = parent.child_count - 1;
-    here.node = &child;
+    return child;
 }
 
 void landing::remember_created(const position &here, const parsed_path &path, std::size_t first, bool names_new_entry)

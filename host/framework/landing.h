@@ -103,6 +103,16 @@ class landing
         std::array<std::uint32_t, path_table::max_segments> steps;
     };
 
+    /* How many children the last node of a name had. */
+    struct room_hint {
+        const char *tag = nullptr;
+        std::uint32_t count = 0;
+    };
+
+    bool add_below(dtf_datatree *&node, dtf_datatree *&parent, const parsed_path &path, std::size_t depth,
+                   const char *ns);
+    dtf_datatree *existing_child(const dtf_datatree &parent, const char *tag) const;
+    dtf_datatree &new_child(dtf_datatree &parent, const path_segment &segment, const char *ns);
     void enter_start(position &here, const parsed_path &path, std::size_t limit);
     bool enter_existing(position &here, const char *tag) const;
     void create_child(position &here, const path_segment &segment, const char *ns);
@@ -120,6 +130,7 @@ class landing
     arena *memory_;
     /* The output held nodes before the walk, whose tags are not the path table's. */
     bool foreign_tags_;
+    std::array<room_hint, 32> hints_{};
     /* How often a child array with nodes in it has moved. */
     std::uint64_t moves_ = 0;
     /* The first `open_` are open; closed ones are kept for their memory. */

@@ -6,7 +6,9 @@
 #include "xml_text.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <pugixml.hpp>
 #include <utility>
 
@@ -27,6 +29,47 @@ bool is_text(const pugi::xml_node &node) { return node.type() == pugi::node_pcda
 
 /* The text lies in the document's own buffer, which the parser was given to write in. */
 char *writable(const char *text) { return const_cast<char *>(text); }
+
+/*
+ * The parser's nodes are taken from an arena that goes with the document, without a call of malloc() and free() for
+ * each page of them. The parser has one pair of functions for the whole process: what other threads and other users
+ * parse stays with the heap.
+ */
+thread_local arena *parser_memory = nullptr;
+
+void *allocate_for_parser(std::size_t size)
+{
+    try {
+        return parser_memory != nullptr ? parser_memory->allocate(size) : std::malloc(size);
+    } catch (const std::bad_alloc &) {
+        return nullptr;
+    }
+}
+
+void release_for_parser(void *memory)
+{
+    if (parser_memory == nullptr)
+        std::free(memory);
+}
+
+/* While it lives, the thread's parser uses its arena. */
+class parser_arena
+{
+  public:
+    parser_arena() : before_(std::exchange(parser_memory, &memory_))
+    {
+        static const bool is_set =
+            (pugi::set_memory_management_functions(allocate_for_parser, release_for_parser), true);
+        (void)is_set;
+    }
+    parser_arena(const parser_arena &) = delete;
+    parser_arena &operator=(const parser_arena &) = delete;
+    ~parser_arena() { parser_memory = before_; }
+
+  private:
+    arena memory_;
+    arena *before_;
+};
 
 class xml_reader
 {
@@ -82,6 +125,7 @@ class xml_reader
     document_use use_;
     tree_builder builder_;
     name_table names_;
+    parser_arena parser_memory_; /* must outlive the document */
     pugi::xml_document document_;
     std::ptrdiff_t lines_ = 0; /* line ends in the document */
     std::vector<binding> bindings_;

@@ -34,7 +34,8 @@ void tell(std::ostream &stream, const get_costs &costs)
     stream.precision(before);
 }
 
-std::string run(const plugin &mapper, const device::folder &device, const get_options &options)
+void run(const plugin &mapper, const device::folder &device, const get_options &options,
+         const framework::text_receiver &out)
 {
     /* Before the memory of the trees, which point into what it sees. */
     const ostore::read_transaction state(device.database());
@@ -56,20 +57,31 @@ std::string run(const plugin &mapper, const device::folder &device, const get_op
                                     options.config_only ? kind_get_config : kind_get, memory, options.walks, &costs);
     watch.lap();
     format = options.format.value_or(format);
-    std::string text = write_document(reply, format);
-    costs.print = watch.lap();
-    if (options.validate)
+    if (options.validate) {
+        const std::string text = write_document(reply, format);
         judge_reply(reply, filter ? reply_extent::part : reply_extent::whole, text, format);
+        out(text);
+    } else {
+        write_document(reply, format, out);
+    }
+    costs.print = watch.lap();
     if (options.stats != nullptr)
         tell(*options.stats, costs);
-    return text;
 }
 
 } // namespace
 
+void get_document(const plugin &mapper, const device::folder &device, const get_options &options,
+                  const framework::text_receiver &out)
+{
+    answer([&] { run(mapper, device, options, out); });
+}
+
 std::string get_document(const plugin &mapper, const device::folder &device, const get_options &options)
 {
-    return answer([&] { return run(mapper, device, options); });
+    std::string text;
+    get_document(mapper, device, options, framework::append_to(text));
+    return text;
 }
 
 } // namespace service

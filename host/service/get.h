@@ -7,6 +7,8 @@
 #include "service/read.h"
 #include "service/walk_options.h"
 
+#include "framework/text_sink.h"
+
 #include "device/folder.h"
 
 #include <iosfwd>
@@ -31,6 +33,10 @@ struct get_options {
 };
 
 /* Answers a get from what the device holds now. Throws netconf_error. */
+void get_document(const plugin &mapper, const device::folder &device, const get_options &options,
+                  const framework::text_receiver &out);
+
+/* The same as one text. */
 std::string get_document(const plugin &mapper, const device::folder &device, const get_options &options);
 
 } // namespace service

@@ -50,15 +50,18 @@ bool is_wrapped(std::string_view xml)
 
 } // namespace
 
-std::string write_document(const dtf_datatree &tree, document_format format, std::size_t expected)
+void write_document(const dtf_datatree &tree, document_format format, const framework::text_receiver &out)
 {
-    constexpr std::size_t most_reserved = std::size_t{256} << 20;
-    std::string text;
-    text.reserve(std::min(expected, most_reserved));
     if (format == document_format::xml)
-        framework::write_xml(text, tree);
+        framework::write_xml(out, tree);
     else
-        framework::write_json(text, tree);
+        framework::write_json(out, tree);
+}
+
+std::string write_document(const dtf_datatree &tree, document_format format)
+{
+    std::string text;
+    write_document(tree, format, framework::append_to(text));
     return text;
 }
 

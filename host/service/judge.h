@@ -4,18 +4,20 @@
 
 #include "service/format.h"
 
+#include "framework/text_sink.h"
+
 #include "dtf.h"
 
-#include <cstddef>
 #include <string>
 
 namespace service {
 
-/*
- * The text of a tree, whose root has no tag. `expected` is a guess at its size in bytes, generous rather than not: room
- * that is not used costs nothing, while a text that grows is copied, and its memory touched, time and again.
- */
-std::string write_document(const dtf_datatree &tree, document_format format, std::size_t expected = 0);
+/* Writes a tree, whose root has no tag, piece by piece: the text as a whole would be the largest part of a large read's
+ * memory. */
+void write_document(const dtf_datatree &tree, document_format format, const framework::text_receiver &out);
+
+/* The same as one text, for those who need all of it. */
+std::string write_document(const dtf_datatree &tree, document_format format);
 
 /* Judges a native document, given as tree and as text. Throws device::invalid_document; `name` is the document's. */
 void judge_native(const dtf_datatree &native, const std::string &text, document_format format, const std::string &name);

@@ -73,7 +73,7 @@ dtf_datatree map_native(const plugin &mapper, const dtf_datatree &native, const 
     return reply;
 }
 
-std::string map_document(const plugin &mapper, const map_options &options)
+void map_document(const plugin &mapper, const map_options &options, const framework::text_receiver &out)
 {
     framework::arena memory;
     const framework::document_options limits;
@@ -86,11 +86,13 @@ std::string map_document(const plugin &mapper, const map_options &options)
         judge_native(native, original, written_as, text.name);
     const dtf_datatree reply = map_native(mapper, native, text.name, memory, options.kind, options.walks);
     const auto wanted = options.format.value_or(written_as);
-    /* Native JSON, the tersest, grows to less than four times its size. */
-    std::string written = write_document(reply, wanted, 4 * text.size);
-    if (options.validate)
-        judge_reply(reply, reply_extent::whole, written, wanted);
-    return written;
+    if (!options.validate) {
+        write_document(reply, wanted, out);
+        return;
+    }
+    const std::string written = write_document(reply, wanted);
+    judge_reply(reply, reply_extent::whole, written, wanted);
+    out(written);
 }
 
 } // namespace service

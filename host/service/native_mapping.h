@@ -7,6 +7,7 @@
 #include "service/walk_options.h"
 
 #include "framework/arena.h"
+#include "framework/text_sink.h"
 
 #include <cstdint>
 #include <optional>
@@ -36,8 +37,8 @@ struct map_options {
     walk_options walks;
 };
 
-/* Reads a native document, maps it, and gives the text of the OpenConfig document. */
-std::string map_document(const plugin &mapper, const map_options &options);
+/* Reads a native document, maps it, and writes the OpenConfig document once all of it is known to be good. */
+void map_document(const plugin &mapper, const map_options &options, const framework::text_receiver &out);
 
 } // namespace service
 
