@@ -183,14 +183,16 @@ TEST(functions, missing_arguments)
     }
     EXPECT_EQ(functions.size(), 2 * 29 + 14 + 11u);
     for (const auto &[name, says] : functions) {
-        for (const int given : {0, 1, 2}) {
+        for (const int given : {0, 1, 2, 3}) { // neither, a node, an output tree; neither, with both sinks closed
             host h;
+            if (given == 3)
+                h.context.trace_on = h.context.debug_filter.levels = 0;
             const dtf_datatree leaf{};
             EXPECT_EQ(call(name, &h.context, given == 1 ? &leaf : nullptr, given == 2 ? &h.out : nullptr),
                       says == 0 ? 0 : FAULT_INVALID_ARGS);
-            EXPECT_EQ(h.text(),
-                      (says == 2 ? "TRC " + name + ": Start\n" : "") +
-                          (says == 0 ? "" : "ERR " + name + ": Invalid arguments passed!\nerror_path null\n"));
+            const string start = says == 2 ? "TRC " + name + ": Start\n" : "",
+                         refusal = "ERR " + name + ": Invalid arguments passed!\n";
+            EXPECT_EQ(h.text(), says == 0 ? "" : (given == 3 ? "" : start + refusal) + "error_path null\n");
             EXPECT_EQ(h.imbalance(), "");
         }
         const string text = assertion_of([&n = name] { call(n, nullptr, nullptr, nullptr); });
@@ -200,6 +202,18 @@ TEST(functions, missing_arguments)
                         : std::regex_search(text, std::regex("\\.cpp:[0-9]+: " + signature + "Assertion .NULL != ctx")))
             << name << text;
     }
+    char text[200];
+    parcel_token_td unknown{6, {}, {}, {}};
+    const std::pair<const char *, std::function<void()>> others[] = {
+        {"compare_path_and_return_data", [&] { compare_path_and_return_data(nullptr, nullptr, "", text, text); }},
+        {"convert_parcel_value_to_str", [&] { convert_parcel_value_to_str(nullptr, &unknown, text); }},
+        {"print_data", [] { print_data(nullptr); }},
+        {"ostore_get_data", [] { ostore_get_data(nullptr, "", "", nullptr, nullptr); }},
+        {"get_value_in_parcel", [&] { get_value_in_parcel(nullptr, "a", 12, nullptr, 0, text); }},
+        {"check_controller_name_ots_is_good", [] { check_controller_name_ots_is_good(nullptr, ""); }},
+        {"ostore_get_amp_name_from_inventory", [&] { ostore_get_amp_name_from_inventory(nullptr, "", text); }}};
+    for (const auto &[name, with_null] : others)
+        EXPECT_TRUE(std::regex_search(assertion_of(with_null), std::regex(string(name) + "\\(.*NULL != ctx"))) << name;
     host h; // no request state, no tag to keep
     h.request.data_input = 1;
     h.context.req_ctx = nullptr;
