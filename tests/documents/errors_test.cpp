@@ -1,8 +1,7 @@
-/* Documents that are refused, and what the message says; and that no damage to a document does worse than that. */
+/* Documents that are refused, and what the message says. */
 #include "tree_text.h"
 
 #include <gtest/gtest.h>
-#include <iostream>
 
 using namespace framework;
 
@@ -91,32 +90,6 @@ TEST(refused_documents, say_what_and_where)
             << "document: " << row.document << "\nwanted:   " << row.message << "\ngot:      " << result;
         EXPECT_TRUE(result.starts_with("error: doc:")) << result;
     }
-}
-
-constexpr std::string_view damaged_documents[] = {
-    "<?xml version='1.0'?><data><a xmlns='m' xmlns:p='q'><b>1&amp;&#65;</b><p:c><![CDATA[x]]></p:c><d/></a></data>",
-    R"({"m:a": {"b": ["1", -2.5e1, null, true], "q:c": {"d": "\u00e9\n"}, "@q:c": {"ietf-netconf:operation": "merge"},
-        "e": [{"f": {}}, {}], "g": []}})",
-};
-
-/* A truncated document is no document; one with any other byte changed is read or refused, never worse. */
-TEST(refused_documents, damage_does_no_harm)
-{
-    std::size_t cases = 0;
-    for (const std::string_view document : damaged_documents) {
-        ASSERT_FALSE(parsed(document, edit).starts_with("error")) << parsed(document, edit);
-        for (std::size_t i = 0; i < document.size(); ++i) {
-            EXPECT_TRUE(parsed(document.substr(0, i), edit).starts_with("error: doc")) << document.substr(0, i);
-            for (const char byte : std::string_view("\0\x80\"'\\<>{}[],:&;@/x 0", 20)) {
-                std::string changed(document);
-                changed[i] = byte;
-                parsed(changed, edit);
-                ++cases;
-            }
-        }
-    }
-    std::cout << cases << " changed documents\n";
-    EXPECT_GT(cases, 5000u);
 }
 
 } // namespace

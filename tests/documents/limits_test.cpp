@@ -1,5 +1,7 @@
 /* Depth and size limits, and where a document's text may come from. */
+#include "json_writer.h"
 #include "tree_text.h"
+#include "xml_writer.h"
 
 #include <filesystem>
 #include <fstream>
@@ -37,18 +39,25 @@ std::string repeated(std::string_view text, std::size_t times)
     return all;
 }
 
-std::string deep_xml(std::size_t levels) { return repeated("<a>", levels) + repeated("</a>", levels); }
+std::string deep_xml(std::size_t levels)
+{
+    return "<a xmlns='m'>" + repeated("<a>", levels - 1) + repeated("</a>", levels);
+}
 
 std::string deep_json(std::size_t levels)
 {
     return "{\"m:a\":" + repeated("[{\"a\":", levels - 1) + "{}" + repeated("}]", levels - 1) + "}";
 }
 
-/* Levels of the first branch of a document that is read. */
+/* Levels of the first branch of a document that is read, written, and read again. */
 std::size_t levels_read(const std::string &document)
 {
     arena memory;
-    dtf_datatree root = parse_document(make_document_text(document, "doc"), memory);
+    std::string json;
+    write_json(json, parse_document(make_document_text(document, "doc"), memory));
+    std::string xml;
+    write_xml(xml, parse_document(make_document_text(json, "doc"), memory));
+    dtf_datatree root = parse_document(make_document_text(xml, "doc"), memory);
     std::size_t levels = 0;
     for (; root.child_count > 0; root = root.children[0])
         ++levels;
@@ -70,60 +79,45 @@ TEST(document_limits, depth)
     });
 }
 
-/* The message of a read_document() that must fail. */
-std::string failure(const std::string &path, const document_options &options)
+/* A document's text, or the message of the refusal. */
+std::string read_or_refused(const std::string &path, std::size_t limit)
 {
     try {
-        arena memory;
-        read_document(path, memory, options);
-        return "none";
+        return std::string(read_document_text(path, limit).view());
     } catch (const parse_error &error) {
         return error.what();
     }
 }
 
+/* A pipe has no size to go by, so the buffer grows; and over the limit reading stops. */
 TEST(document_limits, size_and_source)
 {
-    const auto folder = std::filesystem::path(testing::TempDir()) / ("documents." + std::to_string(::getpid()));
-    std::filesystem::create_directory(folder);
-    const std::string file = folder / "a.xml";
-    std::ofstream(file) << "<a>12345</a>";
-    document_options options;
-    options.size_limit = 12;
-    EXPECT_EQ(failure(file, options), "none");
-    options.size_limit = 11;
-    EXPECT_EQ(failure(file, options), file + ": document is larger than the limit of 11 bytes");
-    EXPECT_EQ(failure(folder, options), folder.string() + ": cannot read: it is a directory");
-    EXPECT_EQ(failure(folder / "none", options),
-              (folder / "none").string() + ": cannot read: No such file or directory");
-    std::filesystem::remove_all(folder);
-}
-
-/* A pipe has no size to go by, so the buffer grows; and over the limit reading stops. */
-TEST(document_limits, pipes)
-{
+    const std::filesystem::path folder(testing::TempDir());
     const std::string document = "<a>" + repeated("0123456789", 50'000) + "</a>";
+    const std::string file = folder / ("document." + std::to_string(::getpid()));
+    std::ofstream(file) << document;
     for (const std::size_t limit : {document.size(), document.size() - 1}) {
         int ends[2] = {};
         ASSERT_EQ(::pipe(ends), 0);
+        const std::string pipe = "/dev/fd/" + std::to_string(ends[0]);
         std::thread writer([&] {
             EXPECT_EQ(::write(ends[1], document.data(), document.size()), static_cast<ssize_t>(document.size()));
             ::close(ends[1]);
         });
-        const std::string path = "/dev/fd/" + std::to_string(ends[0]);
-        try {
-            const document_text text = read_document_text(path, limit);
-            EXPECT_EQ(limit, document.size());
-            EXPECT_EQ(text.view(), document);
-        } catch (const parse_error &error) {
-            EXPECT_LT(limit, document.size()) << error.what();
-        }
+        for (const std::string &source : {pipe, file})
+            EXPECT_EQ(read_or_refused(source, limit),
+                      limit == document.size()
+                          ? document
+                          : source + ": document is larger than the limit of " + std::to_string(limit) + " bytes");
         char rest[4096];
         while (::read(ends[0], rest, sizeof rest) > 0) {
         }
         writer.join();
         ::close(ends[0]);
     }
+    std::filesystem::remove(file);
+    EXPECT_EQ(read_or_refused(folder, 1), folder.string() + ": cannot read: it is a directory");
+    EXPECT_EQ(read_or_refused(file, 1), file + ": cannot read: No such file or directory");
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <chrono>
 
 using namespace scripted;
@@ -86,33 +85,6 @@ TEST(landing, paths_land_where_the_walk_stands)
         }
 }
 
-TEST(landing, an_added_node_takes_over_the_operation_of_its_source)
-{
-    walk w(request(1));
-    dtf_datatree entry{};
-    entry.tag = "channel-monitor";
-    dtf_datatree &name = give(w.memory, entry, "name", "0/1-CHMON-PRE");
-    name.is_key = 1;
-    name.flags |= DTF_FLAG_OP_SET;
-    name.operation = 2;
-    w.run([&](walk &walking) {
-        walking.entry('M', entry, [&] {
-            walking.add(list_path('I'), nullptr, true);
-            walking.add(list_path('I') + std::string("/interface-name"), "Ots", false, &name);
-        });
-        return FAULT_SUCCESS;
-    });
-    const dtf_datatree &list_entry = w.out.children[0].children[0], &leaf = list_entry.children[0];
-    EXPECT_EQ(leaf.operation, 2U);
-    EXPECT_EQ(leaf.flags, DTF_FLAG_VALID | DTF_FLAG_HAS_VALUE | DTF_FLAG_KEY | DTF_FLAG_OP_SET);
-    EXPECT_EQ(leaf.is_key, 1);
-    EXPECT_STREQ(leaf.ns, "urn:test");
-    ASSERT_NE(w.map.source_of(leaf), nullptr);
-    EXPECT_EQ(w.map.source_of(leaf)->path, "/channel-monitor[name='0/1-CHMON-PRE']/name");
-    EXPECT_EQ(w.map.source_of(list_entry), nullptr);
-    EXPECT_EQ(list_entry.flags & DTF_FLAG_OP_SET, 0U);
-}
-
 TEST(landing, a_path_that_names_nothing_changes_nothing_and_one_is_known_by_its_text)
 {
     walk w;
@@ -166,36 +138,6 @@ TEST(landing, time_and_memory_grow_with_the_entries)
     EXPECT_LT(large_bytes, 15 * small_bytes);
 }
 
-TEST(request, a_key_leaf_is_added_to_the_request_itself)
-{
-    /* An array as a walker leaves it: put back after it was parked, its room unknown. */
-    std::array<dtf_datatree, 2> children{};
-    children[0].tag = "config";
-    children[1].tag = "state";
-    dtf_datatree entry{};
-    entry.tag = "channel-monitor";
-    entry.children = children.data();
-    entry.child_count = 2;
-    entry.child_room = 7;
-    entry.flags = DTF_FLAG_VALID | DTF_FLAG_HAS_SUBTREE;
-    framework::arena memory;
-    auto options = request(10);
-    options.request_memory = &memory;
-    walk w(options);
-    w.run([&](walk &walking) {
-        for (const char *tag : {"name", "name", "other", "third", "fourth"}) {
-            dtf_datatree *created = nullptr;
-            EXPECT_EQ(dtf_map_datatree_add_path_flagged(walking.ctx, &entry, tag, "urn:test", nullptr, nullptr,
-                                                        &created, 0, 0),
-                      FAULT_SUCCESS);
-            EXPECT_STREQ(created->tag, tag);
-        }
-        return FAULT_SUCCESS;
-    });
-    EXPECT_EQ(text_of(entry), "channel-monitor{config state name other third fourth}");
-    EXPECT_EQ(text_of(w.out), "");
-}
-
 TEST(request, an_empty_value_is_a_value_except_in_the_request_of_a_read)
 {
     for (const direction way : {up, down})
@@ -204,32 +146,6 @@ TEST(request, an_empty_value_is_a_value_except_in_the_request_of_a_read)
             w.run([](walk &walking) { return walking.add("/a", ""); });
             EXPECT_EQ(text_of(w.out), way == up || kind == 1 ? "{a=}" : "{a}");
         }
-}
-
-TEST(request, a_key_must_agree_with_the_leaf_it_refers_to)
-{
-    struct {
-        const char *key;
-        bool container;
-        const char *target;
-        faultno code;
-    } const rows[] = {{"A", true, "A", 0},
-                      {"A", true, nullptr, 0},
-                      {"A", false, nullptr, 0},
-                      {nullptr, true, "A", 0},
-                      {"A", true, "B", framework::fault_leafref_mismatch}};
-    for (const auto &row : rows) {
-        walk w(request(1));
-        dtf_datatree entry{};
-        give(w.memory, entry, "name", row.key);
-        if (row.container)
-            give(w.memory, give(w.memory, entry, "config"), "name", row.target);
-        EXPECT_EQ(w.run([&](walk &walking) {
-            return static_cast<faultno>(
-                dtf_map_check_oc_leafref(walking.ctx, list_path('M'), "config", "name", &entry));
-        }),
-                  row.code);
-    }
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 /* Bounded copies against a reference, with both ends of the destination guarded by pages that cannot be touched. */
 #include "dtf.h"
-#include "named_allocations.h"
 
 #include <gtest/gtest.h>
 
@@ -99,18 +98,6 @@ TEST(strings, nothing_is_written_outside_odd_destinations)
         }
         EXPECT_NE(dtf_strcpy_s("test", nullptr, size, "x"), 0);
     }
-}
-
-TEST(strings, named_copies_are_counted_until_released)
-{
-    const std::size_t before = framework::live_named_allocations();
-    char *const copy = dtf_strdup("text", "DTF MAP");
-    EXPECT_STREQ(copy, "text");
-    EXPECT_EQ(framework::live_named_allocations(), before + 1);
-    plat_named_free(copy);
-    plat_named_free(nullptr);
-    EXPECT_EQ(dtf_strdup(nullptr, "DTF MAP"), nullptr);
-    EXPECT_EQ(framework::live_named_allocations(), before);
 }
 
 } // namespace
