@@ -46,8 +46,10 @@ const char *tag_of(ostore::store_fault kind)
 
 std::string line_of(std::string_view type, std::string_view tag, const std::string &path, const std::string &message)
 {
-    const std::string place = path.empty() ? "" : " " + one_line(path);
-    return std::string(type).append(" ").append(tag).append(place).append(": ").append(one_line(message));
+    std::string line = std::string(type).append(" ").append(tag);
+    if (!path.empty())
+        line.append(" ").append(one_line(path));
+    return line.append(": ").append(one_line(message));
 }
 
 /* The tag that a fault names is a child of the place where it happened; a list key names the entry that lacks it. */
