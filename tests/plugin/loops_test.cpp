@@ -1,4 +1,5 @@
 /* The plug-in's walkers and hooks against the account of them: whole runs, in every circumstance the loops think of. */
+#include "figure.h"
 #include "scenarios.h"
 #include <csetjmp>
 #include <csignal>
@@ -7,28 +8,6 @@
 
 using namespace recording;
 using namespace reference;
-
-namespace {
-
-/* Counts cases and prints how many there were; fails below the floor. Iterations are scaled by CHMON_SCALE percent. */
-struct figure {
-    const char *name;
-    std::size_t floor, cases = 0, wrong = 0;
-    void expect(const string &difference)
-    {
-        ++cases;
-        if (!difference.empty() && ++wrong <= 3)
-            ADD_FAILURE() << name << ": " << difference;
-    }
-    ~figure()
-    {
-        std::printf("%s=%zu wrong=%zu\n", name, cases, wrong);
-        EXPECT_GE(cases, floor) << name;
-        EXPECT_EQ(wrong, 0u) << name;
-    }
-};
-
-} // namespace
 
 TEST(walks, come_to_what_is_written_there)
 {
@@ -40,12 +19,14 @@ TEST(walks, come_to_what_is_written_there)
     }
 }
 
-/* CHMON_SEED repeats one case. */
+/* CHMON_SEED repeats one case; CHMON_CASES sets how many there are. */
 TEST(walks, equal_the_plain_account)
 {
-    const char *const one = std::getenv("CHMON_SEED");
+    const char *const one = std::getenv("CHMON_SEED"), *const many = std::getenv("CHMON_CASES");
     const std::size_t first = one == nullptr ? 1 : std::strtoul(one, nullptr, 10),
-                      cases = one == nullptr ? 3000 / share() : 1;
+                      cases = one != nullptr    ? 1
+                              : many != nullptr ? std::strtoul(many, nullptr, 10)
+                                                : 3000 / share();
     figure compared{"compared", cases};
     for (std::size_t seed = first; seed < first + cases && compared.wrong == 0; ++seed) {
         const scenario s = generated(static_cast<uint32_t>(seed));

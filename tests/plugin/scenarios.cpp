@@ -79,6 +79,11 @@ void preset(host &h, dice &d)
         h.state.req_flags = d.pick({0u, 0x40u, 0x80u, 0x1c0u});
         h.state.replace_pending = d(2);
     }
+    if (d.one_in(4)) {
+        dtf_datatree *const any = h.nodes[d(h.nodes.size())];
+        h.state.root_node = h.nodes[0], h.state.current_node = h.state.plist = any, h.state.reg_dup_datatree = &h.out;
+        h.state.parent_node = any == h.nodes[0] ? nullptr : any;
+    }
     if (d.one_in(20))
         h.context.trace_on = 0;
     if (d.one_in(20))
@@ -181,6 +186,17 @@ faultno call(const string &name, dtf_map_ctx ctx, const dtf_datatree *in, dtf_da
                                                : reinterpret_cast<plain_function>(address)(ctx, in, out);
 }
 
+string shape(const dtf_datatree *node)
+{
+    string text = node->tag == nullptr ? "?" : node->tag;
+    text += node->operation == 0 ? "" : "@" + std::to_string(node->operation);
+    text += (node->kind_flags & 0x04) == 0 ? "" : ":" + std::to_string(node->node_kind);
+    text += node->is_key == 1 && (node->flags & DTF_FLAG_KEY) != 0 ? "!" : "";
+    for (uint32_t i = 0; node->children != nullptr && i < node->child_count; ++i)
+        text += (i == 0 ? "{" : " ") + shape(&node->children[i]) + (i + 1 == node->child_count ? "}" : "");
+    return text;
+}
+
 namespace {
 
 /* All that may change of a request, word by word. */
@@ -194,18 +210,6 @@ template <typename F> void for_each_word(const host &h, F &&f)
              {node->operation, node->node_kind, uint32_t{node->kind_flags}, uint32_t{node->is_key}, node->flags,
               node->child_count, uint32_t{node->children != nullptr}})
             f(word);
-}
-
-/* "channel-monitors:3{channel-monitor@4:4{name:1!}}": operation, node_kind, key. */
-string shape(const dtf_datatree *node)
-{
-    string text = node->tag == nullptr ? "?" : node->tag;
-    text += node->operation == 0 ? "" : "@" + std::to_string(node->operation);
-    text += (node->kind_flags & 0x04) == 0 ? "" : ":" + std::to_string(node->node_kind);
-    text += node->is_key == 1 && (node->flags & DTF_FLAG_KEY) != 0 ? "!" : "";
-    for (uint32_t i = 0; node->children != nullptr && i < node->child_count; ++i)
-        text += (i == 0 ? "{" : " ") + shape(&node->children[i]) + (i + 1 == node->child_count ? "}" : "");
-    return text;
 }
 
 /* A path in two letters, its list and its leaf: I an interface-configuration, O an ots-port, S a

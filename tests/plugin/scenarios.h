@@ -68,6 +68,9 @@ outcome run(const scenario &s, const circumstance &c, bool by_account, bool read
  * calls: how many calls could have failed. */
 std::string compare(const scenario &s, const circumstance &c, std::size_t *calls = nullptr);
 
+/* "channel-monitors:3{channel-monitor@4:4{name:1!}}": operation, node_kind, key. */
+std::string shape(const dtf_datatree *node);
+
 /* An exported function by its name. */
 using plain_function = faultno (*)(dtf_map_ctx, const dtf_datatree *, dtf_datatree *);
 using counting_function = faultno (*)(dtf_map_ctx, const dtf_datatree *, unsigned, dtf_datatree *);

@@ -1,4 +1,5 @@
 /* Names, numbers, records, inventory, path search and texts: against the reference over products of odd parts. */
+#include "figure.h"
 #include "scenarios.h"
 #include <climits>
 #include <clocale>
@@ -49,24 +50,13 @@ string text_of(const string &cycle, std::size_t length)
     return text.substr(0, length);
 }
 
-struct printed_at_end {
-    const char *line;
-    const std::size_t &cases, floor;
-    ~printed_at_end()
-    {
-        std::printf("%s=%zu\n", line, cases);
-        EXPECT_GE(cases, floor) << line;
-    }
-};
-
 } // namespace
 
 /* Every text function, inputs of each length, the output ending at an unmapped page. */
 TEST(utility, bounds)
 {
     const host copies;
-    std::size_t cases = 0;
-    const printed_at_end figure{"bounds", cases, 20000 / share()};
+    figure all{"bounds", 20000 / share()};
     buffer<601> input, value;
     buffer<200> path, output;
     string expected;
@@ -89,7 +79,7 @@ TEST(utility, bounds)
                         printed("%x %s\n", static_cast<unsigned>(rc), real ? output.text().c_str() : expected.c_str()) +
                         h.text("access copy") + h.imbalance();
                 }
-                ++cases;
+                ++all.cases;
                 ASSERT_EQ(told[1], told[0]) << given;
             };
             both([&](host &h) { return check_controller_name_ots_is_good(&h.context, text); },
@@ -126,7 +116,7 @@ TEST(utility, bounds)
                                     [&](host &h) { h.nodes[0]->value = value.hold(given); },
                                     'h'};
                     hooked.inventory.resize(1);
-                    ++cases;
+                    ++all.cases;
                     ASSERT_EQ(compare(hooked, {.reports = length % 50 == 0}), "") << given;
                 }
         }
@@ -135,8 +125,7 @@ TEST(utility, bounds)
 TEST(utility, replace_and_copy)
 {
     const host copies;
-    std::size_t cases = 0;
-    const printed_at_end figure{"replaced", cases, 2000};
+    figure all{"replaced", 2000};
     const string text = "a/b/c";
     EXPECT_STREQ(replace_str(text.c_str(), "/", "%2f"), "a%2fb/c");
     EXPECT_STREQ(replace_str("%s/%n", "/", "%s%s"), "%s%s%s%n");
@@ -149,7 +138,7 @@ TEST(utility, replace_and_copy)
                 const string input = string(length, 'a').replace(at, 2, "//");
                 const char *const held = given.hold(input), *const result =
                                                                 replace_str(held, "//", replacement.c_str());
-                ++cases;
+                ++all.cases;
                 if (length - 2 + replacement.size() < 4096)
                     ASSERT_EQ(result, string(input).replace(at, 2, replacement)) << length;
                 else
@@ -177,8 +166,8 @@ TEST(utility, replace_and_copy)
 TEST(utility, names)
 {
     const host copies;
-    std::size_t cases = 0, accepted_out_of_range = 0, roundtrip = 0;
-    const printed_at_end figure{"names", cases, 30000};
+    figure all{"names", 30000};
+    std::size_t accepted_out_of_range = 0, roundtrip = 0;
     // clang-format off
     const std::vector<string> numbers = {"", "0", "1", "2", "3", "4", "12", " 2", "\t\n+2", "+-1", "- 1", "-1", "-0", "000000000000000000001", "1x", "0x1",
         "2147483647", "2147483648", "-2147483648", "-2147483649", "4294967296", "4294967298", "18446744073709551617"};
@@ -188,7 +177,7 @@ TEST(utility, names)
             for (const char *middle : {"/0/", "/1/", "/00/", "/0/ ", " /0/", "/", ""})
                 for (const string &port_number : numbers) {
                     const string given = prefix + slot + middle + port_number;
-                    ++cases;
+                    ++all.cases;
                     ASSERT_EQ(converted(convert_ctrl_key_to_chmon_key, given.c_str()), chmon_name(given)) << given;
                     host h({"0/0-CHMON-BST", "0/1-CHMON-PRE", "0/2-CHMON-BST"});
                     h.context.trace_on = h.context.debug_filter.levels = 0;
@@ -202,7 +191,7 @@ TEST(utility, names)
             for (const char *middle : {"-CHMON-", "-CHMON", "CHMON-", "-", ""})
                 for (const char *amplifier : {"PRE", "BST", "XPREX", "PR", "pre", "", "----------------PRE"}) {
                     const string given = prefix + slot + middle + amplifier;
-                    ++cases;
+                    ++all.cases;
                     ASSERT_EQ(converted(convert_oc_key_to_controller_key, given.c_str()), controller_name(given))
                         << given;
                     ASSERT_EQ(converted(convert_amplifier_key_to_ingress_port, given.c_str()), ingress_port(given))
@@ -221,13 +210,13 @@ TEST(utility, names)
     // clang-format on
     for (const auto &[convert, from, to] : by_hand)
         EXPECT_EQ(converted(convert, from.c_str()), to) << from;
-    string all;
+    string list;
     for (const char *const *controller = controller_chmon_ots_list; *controller != nullptr; ++controller) {
         const string chmon = converted(convert_ctrl_key_to_chmon_key, *controller);
         roundtrip += converted(convert_oc_key_to_controller_key, chmon.c_str()) == *controller;
-        all += string(*controller) + ' ';
+        list += string(*controller) + ' ';
     }
-    EXPECT_EQ(all, "Ots0/1/0/0 Ots0/1/0/1 Ots0/2/0/0 Ots0/2/0/1 Ots0/3/0/0 Ots0/3/0/1 ");
+    EXPECT_EQ(list, "Ots0/1/0/0 Ots0/1/0/1 Ots0/2/0/0 Ots0/2/0/1 Ots0/3/0/0 Ots0/3/0/1 ");
     std::printf("accepted_out_of_range=%zu roundtrip=%zu/6\n", accepted_out_of_range, roundtrip);
     EXPECT_EQ(accepted_out_of_range, 0u);
     EXPECT_EQ(roundtrip, 6u);
@@ -304,15 +293,14 @@ TEST(utility, numbers)
     };
     check("");
     std::mt19937_64 random(1);
-    std::size_t decimals = 0;
-    const printed_at_end figure{"decimals", decimals, 1000};
+    figure decimals{"decimals", 1000};
     const char *const wanted = std::getenv("CHMON_DECIMALS");
-    for (const std::size_t all = wanted == nullptr ? 1000000 / share() / share() : std::strtoul(wanted, nullptr, 10);
-         decimals < all; ++decimals) {
+    for (const std::size_t end = wanted == nullptr ? 1000000 / share() / share() : std::strtoul(wanted, nullptr, 10);
+         decimals.cases < end; ++decimals.cases) {
         const bool negative = random() % 2 == 0;
         const uint64_t count = random() >> (14 + random() % 50); // up to 15 digits
         const string sign = negative ? "-" : "";
-        if (decimals % 2 == 0) {
+        if (decimals.cases % 2 == 0) {
             const string native = sign + printed("%ju", count),
                          high = sign + printed("%ju.%02ju", count / 100, count % 100);
             ASSERT_EQ(added_for(slice_power, native.c_str()), high) << native;
@@ -344,8 +332,7 @@ TEST(utility, numbers)
 /* Fields of records, every library call failing in turn. */
 TEST(utility, records)
 {
-    std::size_t cases = 0;
-    const printed_at_end figure{"records", cases, 800};
+    figure all{"records", 800};
     const string name199 = string(99, 'a') + '.' + string(99, 'b');
     // clang-format off
     std::vector<std::pair<string, std::vector<token>>> records = {
@@ -365,7 +352,7 @@ TEST(utility, records)
             records.push_back({"a", {{type, "a", {}, count}}});
     for (const auto &[field, tokens] : records)
         for (const bool on : {false, true})
-            for (std::size_t k = 0, calls = 0; k <= calls; ++k, ++cases) {
+            for (std::size_t k = 0, calls = 0; k <= calls; ++k, ++all.cases) {
                 const auto go = [&, &f = field, &t = tokens](bool real) {
                     host h;
                     h.fail_at = k, h.fail_on = on, h.fail_code = 0x4321;
@@ -393,51 +380,48 @@ TEST(utility, records)
     EXPECT_EQ(output.text(), "10.0.0.1");
 }
 
-/* By hand, so that the reference's search and printing are held too. */
-TEST(utility, trees)
+/* By hand, so that the reference's search is held too; then over odd trees. */
+TEST(utility, path_search)
 {
-    host h;
-    h.plant("a{b}", "");
-    h.state.hierarchy_len = 2;
-    h.state.hierarchy[0].node_data = h.nodes[0];
-    h.state.hierarchy[1].node_data = h.state.current_node = h.state.plist = h.nodes[1];
-    h.state.root_node = h.nodes[0];
-    h.state.reg_dup_datatree = &h.out;
-    h.context.trace_on = 0;
-    print_data(&h.context);
-    EXPECT_EQ(h.text(),
-              "TRC iteration 0\nprint a#0 node_data\nTRC iteration 1\nprint b#1 node_data\nprint a#0 root_node\n"
-              "print null parent_node\nprint b#1 current_node\nprint out reg_dup_datatree\nprint b#1 plist\n");
-    EXPECT_EQ(h.context.data_printed, 1u);
+    figure all{"searches", 3000 / share()};
     const string path = "channel-monitors/channel-monitor/name", deep(250, 'd');
     const string monitors =
         "channel-monitors{channel-monitor{config{name=inner} name=first} channel-monitor{name=second}}";
     // clang-format off
-    const struct { string tree, wanted, found; std::function<void(host &)> change = [](host &) {}; int answer = 2; } rows[] = {
-        {monitors, path, "first"}, {monitors, '/' + path, ""}, {monitors, "channel-monitors/channel-monitor/config/name", "inner"},
-        {monitors, path, "second", [](host &t) { t.nodes[4]->flags &= ~DTF_FLAG_HAS_VALUE; }},
-        {monitors, path, "second", [](host &t) { t.nodes[1]->flags &= ~DTF_FLAG_VALID; }},
-        {monitors, path, "", [](host &t) { t.nodes[0]->flags = 0; }},
-        {monitors, path, "first", [](host &t) { t.nodes[0]->flags &= ~DTF_FLAG_HAS_SUBTREE; }},
-        {monitors, path, "second", [](host &t) { t.nodes[1]->child_count = 0; }},
-        {monitors, path, "second", [](host &t) { t.nodes[1]->children = nullptr; }},
-        {monitors, path, "", [](host &t) { t.nodes[4]->value = nullptr; }, 1}, {monitors, "name", ""},
+    const string rows[][3] = {
+        {monitors, path, "first"}, {monitors, '/' + path, ""}, {monitors, "channel-monitors/channel-monitor/config/name", "inner"}, {monitors, "name", ""},
         {"a{?{b=1}}", "a//b", "1"}, {"?{b=1}", "/b", "1"}, {"a=1{a=2}", "a", "1"}, {deep + "=1", deep.substr(0, 199), "1"},
         {"a=" + deep, "a", deep.substr(0, 199)}, {"%s%n{%n=%d}", "%s%n/%n", "%d"}};
     // clang-format on
-    for (const auto &[tree, wanted, found, change, answer] : rows) {
-        host t;
-        const dtf_datatree *const root = t.plant(tree, "");
-        change(t);
-        buffer<200> so_far, output;
-        string also;
-        EXPECT_EQ(compare_path_and_return_data(&t.context, root, wanted.c_str(), so_far.bytes, output.bytes),
-                  answer == 2 ? !found.empty() : answer)
-            << tree << ' ' << wanted;
-        EXPECT_EQ(output.text(), found) << tree << ' ' << wanted;
-        find_value(root, wanted, "", also);
-        EXPECT_EQ(also, found);
-        EXPECT_EQ(t.text() + t.imbalance(), "");
+    buffer<200> so_far, output;
+    const auto search = [&](host &h, const string &wanted) {
+        string found;
+        *so_far.bytes = *output.bytes = '\0';
+        const bool is_found = find_value(h.nodes[0], wanted, "", found);
+        const int answer =
+            compare_path_and_return_data(&h.context, h.nodes[0], wanted.c_str(), so_far.bytes, output.bytes);
+        all.expect(answer == is_found && output.text() == found ? h.text() + h.imbalance()
+                                                                : wanted + " in " + shape(h.nodes[0]));
+        return found;
+    };
+    for (const auto &[tree, wanted, found] : rows) {
+        host h;
+        h.plant(tree, "");
+        EXPECT_EQ(search(h, wanted), found) << tree;
+    }
+    std::mt19937 random(1);
+    for (uint32_t seed = 1; seed < 3000 / share(); ++seed) {
+        host h;
+        h.plant(generated(seed).tree, "");
+        oddities[random() % oddities.size()](*h.nodes[random() % h.nodes.size()]);
+        std::vector<string> paths; // of all nodes, by their tags
+        const std::function<void(const dtf_datatree &, string)> list = [&](const dtf_datatree &node, string at) {
+            paths.push_back(at += node.tag == nullptr ? "" : node.tag);
+            for (uint32_t i = 0; node.children != nullptr && i < node.child_count; ++i)
+                list(node.children[i], at + '/');
+        };
+        list(*h.nodes[0], "");
+        search(h, paths[random() % paths.size()]);
     }
 }
 
