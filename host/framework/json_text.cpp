@@ -71,9 +71,17 @@ bool is_json_number(std::string_view text)
 
 void put_json_string(text_sink &sink, const char *text)
 {
-    sink.put("\"");
-    put_json_text(sink, text);
-    sink.put("\"");
+    /* Mostly it is short and plain. */
+    char *to = sink.room();
+    *to++ = '"';
+    to = copy_plain(to, text, json_special, text_sink::most_room - 2);
+    if (*text != '\0') {
+        sink.taken(to);
+        put_json_text(sink, text);
+        to = sink.room(1);
+    }
+    *to++ = '"';
+    sink.taken(to);
 }
 
 /* Runs of plain characters go over as they are. */

@@ -202,15 +202,8 @@ void json_writer::write_document(const dtf_datatree &root)
 
 void json_writer::begin_line(std::size_t level)
 {
-    if (!options_.pretty)
-        return;
-    sink_.put("\n");
-    constexpr std::size_t most = 1024;
-    for (std::size_t columns = 2 * level; columns != 0;) {
-        const std::size_t part = columns < most ? columns : most;
-        sink_.taken(put_columns(sink_.room(columns_room(part)), part));
-        columns -= part;
-    }
+    if (options_.pretty)
+        sink_.put_line(2 * level);
 }
 
 /* `level` is that of the members. */

@@ -115,6 +115,24 @@ landed landing::add(const parsed_path &path, const addition &what)
     return result;
 }
 
+dtf_datatree *landing::add_to_last_entry(const parsed_path &path, const char *ns, const char *value)
+{
+    std::vector<entry_place> &places = frames_[open_ - 1].places;
+    const std::uint32_t depth = path.lists_end;
+    if (places.empty() || depth == 0 || depth == path.segments.size() || path.closing_slash ||
+        places.back().list != path.segments[depth - 1].list)
+        return nullptr;
+    const char *const copy = value == nullptr ? nullptr : memory_->copy(value);
+    dtf_datatree *node = node_of(places.back());
+    dtf_datatree *parent = nullptr;
+    add_below(node, parent, path, depth, ns);
+    if (copy != nullptr) {
+        node->value = copy;
+        node->flags |= DTF_FLAG_HAS_VALUE;
+    }
+    return node;
+}
+
 /*
  * The common case: the path names no list entry beyond `node`, at `depth`. Goes down to its last node, creating what is
  * missing, and nothing has to be remembered. True when the last node was created; `parent` is then the one above it.
@@ -154,6 +172,11 @@ bool landing::add_below(dtf_datatree *&node, dtf_datatree *&parent, const parsed
 void landing::enter_start(position &here, const parsed_path &path, std::size_t limit)
 {
     entry_place *deepest = nullptr;
+    /* Mostly it is the entry of the path's last list, which the innermost frame has added last. */
+    std::vector<entry_place> &innermost = frames_[open_ - 1].places;
+    if (!innermost.empty() && path.lists_end != 0 && path.lists_end <= limit &&
+        innermost.back().list == path.segments[path.lists_end - 1].list)
+        deepest = &innermost.back();
     for (std::size_t i = open_; i-- > 0 && deepest == nullptr;) {
         for (entry_place &place : frames_[i].places) {
             const bool on_path = place.depth <= limit && path.segments[place.depth - 1].list == place.list;
@@ -198,12 +221,14 @@ dtf_datatree *landing::existing_child(const dtf_datatree &parent, const char *ta
     if ((parent.flags & DTF_FLAG_HAS_SUBTREE) == 0)
         return nullptr;
     dtf_datatree *const end = parent.children + parent.child_count;
-    for (dtf_datatree *child = parent.children; child != end; ++child) {
-        const char *const other = child->tag;
-        if (other == tag || (foreign_tags_ && other != nullptr && std::strcmp(other, tag) == 0))
-            return child;
-    }
-    return nullptr;
+    const auto is_same = [tag](const dtf_datatree &child) { return child.tag == tag; };
+    const auto is_equal = [tag](const dtf_datatree &child) {
+        return child.tag != nullptr && std::strcmp(child.tag, tag) == 0;
+    };
+    dtf_datatree *child = std::find_if(parent.children, end, is_same);
+    if (child == end && foreign_tags_)
+        child = std::find_if(parent.children, end, is_equal);
+    return child == end ? nullptr : child;
 }
 
 void landing::create_rest(position &here, const parsed_path &path, const addition &what)

@@ -67,6 +67,12 @@ class landing
      */
     landed add(const parsed_path &path, const addition &what);
 
+    /*
+     * The same for the additions that a walk over device data consists of: a node below the entry that the innermost
+     * frame added last, without a source. Null, and nothing done, where it is another one.
+     */
+    dtf_datatree *add_to_last_entry(const parsed_path &path, const char *ns, const char *value);
+
     /* Opens the frame of a list entry; frames that the list at `schema` is not below are closed first. False when full.
      */
     bool open_frame(const parsed_path &schema, std::uint8_t hierarchy_len, bool withdraw_keyless);

@@ -116,6 +116,13 @@ faultno mapping::add_path(dtf_datatree &tree, const char *text, addition &what, 
         return add_to_request(tree, *path, what, created);
     if (&tree != &landing_->out())
         return fault_bad_path;
+    if (options_.way == direction::native_to_openconfig && !what.new_list_entry && what.source == nullptr) {
+        if (dtf_datatree *const added = landing_->add_to_last_entry(*path, what.ns, what.value)) {
+            if (created != nullptr)
+                *created = added;
+            return FAULT_SUCCESS;
+        }
+    }
     if (what.new_list_entry)
         paths_.mark_list(*path);
     if (what.source != nullptr)

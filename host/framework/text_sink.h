@@ -48,6 +48,28 @@ class text_sink
         taken(static_cast<char *>(std::memcpy(room(size), literal, size - 1)) + size - 1);
     }
 
+    /* Spaces: mostly one copy of a fixed size, whatever their number. */
+    void put_columns(std::size_t count)
+    {
+        constexpr char spaces[] = "                                                                ";
+        constexpr std::size_t most = sizeof spaces - 1;
+        while (count != 0) {
+            const std::size_t part = count < most ? count : most;
+            taken(static_cast<char *>(std::memcpy(room(most), spaces, most)) + part);
+            count -= part;
+        }
+    }
+
+    /* A line end and the spaces behind it. */
+    void put_line(std::size_t columns)
+    {
+        constexpr char line[] = "\n                                                               ";
+        constexpr std::size_t most = sizeof line - 1;
+        const std::size_t first = columns < most ? columns : most - 1;
+        taken(static_cast<char *>(std::memcpy(room(most), line, most)) + 1 + first);
+        put_columns(columns - first);
+    }
+
     /* Hands on what is left; the last thing to do. */
     void flush();
 
@@ -70,17 +92,6 @@ inline char *copy_plain(char *to, const char *&text, const special_characters &s
     for (; most != 0 && !special[static_cast<unsigned char>(*text)]; --most)
         *to++ = *text++;
     return to;
-}
-
-/* Bytes that put_columns() may write to for `count` columns. */
-constexpr std::size_t columns_room(std::size_t count) { return count + 16; }
-
-/* Writes `count` spaces, and a few bytes beyond them: a loop of moves, no call. */
-inline char *put_columns(char *to, std::size_t count)
-{
-    for (std::size_t done = 0; done < count; done += 16)
-        std::memcpy(to + done, "                ", 16);
-    return to + count;
 }
 
 /* U+FFFD in UTF-8, which stands for what is none. */

@@ -25,7 +25,11 @@ constexpr std::string_view xml_namespace = "http://www.w3.org/XML/1998/namespace
 constexpr unsigned parse_flags =
     pugi::parse_minimal | pugi::parse_cdata | pugi::parse_doctype | pugi::parse_embed_pcdata | pugi::parse_fragment;
 
-bool is_text(const pugi::xml_node &node) { return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata; }
+bool is_text(const pugi::xml_node &node)
+{
+    const pugi::xml_node_type type = node.type();
+    return type == pugi::node_pcdata || type == pugi::node_cdata;
+}
 
 /* The text lies in the document's own buffer, which the parser was given to write in. */
 char *writable(const char *text) { return const_cast<char *>(text); }
@@ -101,8 +105,8 @@ class xml_reader
     void read_root(pugi::xml_node root);
     void read_wrapped(pugi::xml_node wrapper);
     void read_tree(pugi::xml_node top);
-    bool read_element(pugi::xml_node element);
-    void read_leaf(pugi::xml_node element, const name_entry &name, const attributes &given);
+    pugi::xml_node read_element(pugi::xml_node element);
+    void read_leaf(const char *tag, const char *ns, std::string_view text, const attributes &given);
     void end_element();
 
     void declare_namespaces(pugi::xml_node element, std::size_t level);
@@ -117,7 +121,7 @@ class xml_reader
     const char *find_prefix(std::string_view prefix, const char *tag) const;
     int read_operation(const char *tag, std::string_view word) const;
     const name_entry &find_name(const char *name);
-    std::string_view text_of(pugi::xml_node element, const name_entry &name);
+    std::string_view text_of_pieces(pugi::xml_node element, const name_entry &name);
     std::string_view decoded(char *text, const char *tag) const;
 
     const document_text &text_;
@@ -206,26 +210,32 @@ void xml_reader::read_wrapped(pugi::xml_node wrapper)
 void xml_reader::read_tree(pugi::xml_node top)
 {
     pugi::xml_node at = top;
+    std::size_t open = 0; /* elements from the top one on */
     for (;;) {
         if (is_text(at)) {
             if (*at.value() != '\0')
                 builder_.fail("text beside elements");
-        } else if (read_element(at)) {
-            at = at.first_child();
+        } else if (const pugi::xml_node first = read_element(at)) {
+            at = first;
+            ++open;
             continue;
         }
-        while (at != top && !at.next_sibling()) {
+        if (open == 0)
+            return;
+        pugi::xml_node next = at.next_sibling();
+        while (!next) {
             at = at.parent();
             end_element();
+            if (--open == 0)
+                return;
+            next = at.next_sibling();
         }
-        if (at == top)
-            return;
-        at = at.next_sibling();
+        at = next;
     }
 }
 
-/* Adds the element. True when its children are to be read next; then it is open. */
-bool xml_reader::read_element(pugi::xml_node element)
+/* Adds the element. Returns the first of its children where these are to be read next; then it is open. */
+pugi::xml_node xml_reader::read_element(pugi::xml_node element)
 {
     const name_entry &name = find_name(element.name());
     attributes given;
@@ -234,22 +244,26 @@ bool xml_reader::read_element(pugi::xml_node element)
             declare_namespaces(element, builder_.depth() + 1);
         given = read_attributes(element, false);
     }
+    const char *const ns = namespace_for(name, given);
     const pugi::xml_node first = element.first_child();
-    if (!first || is_text(first) || *element.value() != '\0') {
-        read_leaf(element, name, given);
-        return false;
+    char *const text = writable(element.value());
+    if (!first) {
+        read_leaf(name.tag, ns, decoded(text, name.tag), given);
+        return {};
     }
-    dtf_datatree &node = builder_.open(name.tag, namespace_for(name, given));
+    if (*text != '\0' || is_text(first)) {
+        read_leaf(name.tag, ns, text_of_pieces(element, name), given);
+        return {};
+    }
+    dtf_datatree &node = builder_.open(name.tag, ns);
     if (given.operation >= 0)
         set_operation(node, static_cast<std::uint32_t>(given.operation));
-    return true;
+    return first;
 }
 
-void xml_reader::read_leaf(pugi::xml_node element, const name_entry &name, const attributes &given)
+void xml_reader::read_leaf(const char *tag, const char *ns, std::string_view text, const attributes &given)
 {
-    const char *const ns = namespace_for(name, given);
-    const std::string_view text = text_of(element, name);
-    dtf_datatree &node = builder_.add(name.tag, ns);
+    dtf_datatree &node = builder_.add(tag, ns);
     if (!text.empty())
         set_value(node, text.data());
     if (given.operation >= 0)
@@ -367,13 +381,11 @@ int xml_reader::read_operation(const char *tag, std::string_view word) const
 /* ---- text ---- */
 
 /*
- * A leaf's text. Comments and CDATA sections cut it into pieces; one piece, the rule, stays where it is. Of a piece
- * that is white space alone the parser tells nothing.
+ * The text of a leaf that comments and CDATA sections cut into pieces; one piece, the rule, stays where it is. Of a
+ * piece that is white space alone the parser tells nothing.
  */
-std::string_view xml_reader::text_of(pugi::xml_node element, const name_entry &name)
+std::string_view xml_reader::text_of_pieces(pugi::xml_node element, const name_entry &name)
 {
-    if (!element.first_child())
-        return decoded(writable(element.value()), name.tag);
     try {
         std::string whole;
         append_decoded_xml(whole, element.value(), false);

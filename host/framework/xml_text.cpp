@@ -14,6 +14,17 @@ namespace {
 
 bool is_space(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
+/* What ends a text that can stay as it is. */
+constexpr std::array<bool, 256> make_ends_plain()
+{
+    std::array<bool, 256> ends = {};
+    for (const char c : {'\0', '&', '\r'})
+        ends[static_cast<unsigned char>(c)] = true;
+    return ends;
+}
+
+constexpr std::array<bool, 256> ends_plain = make_ends_plain();
+
 bool is_control(char c) { return static_cast<unsigned char>(c) < 0x20 && !is_space(c); }
 
 /* The longest prefix that is UTF-8: found by halves, for the message alone. */
@@ -170,9 +181,10 @@ std::string_view decode_xml(char *text)
     while (is_space(*text))
         ++text;
     char *end = text;
-    bool plain = true;
-    for (; *end != '\0'; ++end)
-        plain = plain && *end != '&' && *end != '\r';
+    while (!ends_plain[static_cast<unsigned char>(*end)])
+        ++end;
+    const bool plain = *end == '\0';
+    end += plain ? 0 : std::strlen(end);
     while (end != text && is_space(end[-1]))
         --end;
     if (!plain)

@@ -168,14 +168,8 @@ void xml_writer::write_start(const dtf_datatree &node, const char *ns_above)
 
 void xml_writer::begin_line(std::size_t level)
 {
-    if (!options_.pretty)
-        return;
-    constexpr std::size_t most = 1024;
-    for (std::size_t columns = 2 * level; columns != 0;) {
-        const std::size_t part = columns < most ? columns : most;
-        sink_.taken(put_columns(sink_.room(columns_room(part)), part));
-        columns -= part;
-    }
+    if (options_.pretty)
+        sink_.put_columns(2 * level);
 }
 
 /* The start tag without its closing ">". */

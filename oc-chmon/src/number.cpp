@@ -5,12 +5,41 @@
 #include <cfloat>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <limits>
 
 namespace {
 
+/* Native power counts hundredths of the OpenConfig unit. */
+constexpr double hundredths = 100.0;
+
 bool is_white_space(char c) { return NULL != std::strchr(" \t\n\v\f\r", c) && '\0' != c; }
+
+/* The integer that the text is, and nothing beside it: up to nine digits, which a 32-bit number holds. False where
+ * the text is another. */
+bool read_plain_integer(const char *text, uint32_t &number)
+{
+    constexpr ptrdiff_t most_digits = 9;
+    const char *at = text;
+    for (number = 0; '0' <= *at && *at <= '9' && at - text < most_digits; ++at) {
+        number = number * 10 + static_cast<uint32_t>(*at - '0');
+    }
+    return at != text && '\0' == *at;
+}
+
+void write_two_decimals(double number, char *text)
+{
+    /* Sign, the digits of the largest double, point, two decimals. */
+    char digits[1 + DBL_MAX_10_EXP + 1 + 1 + 2];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, 2);
+    size_t length = std::errc() == error ? static_cast<size_t>(end - digits) : 0;
+    if (length > value_size - 1) {
+        length = value_size - 1;
+    }
+    std::memcpy(text, digits, length);
+    text[length] = '\0';
+}
 
 } // namespace
 
@@ -60,15 +89,19 @@ int32_t truncate_to_int32(double number)
     return static_cast<int32_t>(number);
 }
 
-void write_two_decimals(double number, char *text)
+/* Devices send plain integers: of these the digits are set apart, which gives the same text as a division would. */
+void hundredths_to_decimals(char *text)
 {
-    /* Sign, the digits of the largest double, point, two decimals. */
-    char digits[1 + DBL_MAX_10_EXP + 1 + 1 + 2];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, number, std::chars_format::fixed, 2);
-    size_t length = std::errc() == error ? static_cast<size_t>(end - digits) : 0;
-    if (length > value_size - 1) {
-        length = value_size - 1;
+    uint32_t number;
+    char *const digits = '-' == *text ? text + 1 : text;
+    if (!read_plain_integer(digits, number)) {
+        write_two_decimals(read_number(text) / hundredths, text);
+        return;
     }
-    std::memcpy(text, digits, length);
-    text[length] = '\0';
+    const uint32_t fraction = number % 100;
+    char *at = std::to_chars(digits, digits + std::numeric_limits<uint32_t>::digits10 + 1, number / 100).ptr;
+    *at++ = '.';
+    *at++ = static_cast<char>('0' + fraction / 10);
+    *at++ = static_cast<char>('0' + fraction % 10);
+    *at = '\0';
 }

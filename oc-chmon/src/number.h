@@ -13,7 +13,8 @@ double read_number(const char *text);
 /* The number without its fraction; the nearest bound where it lies outside 32 bits, 0 for nan. */
 int32_t truncate_to_int32(double number);
 
-/* Writes the number with two decimals, cut at 199 characters. text: 200 bytes. */
-void write_two_decimals(double number, char *text);
+/* Turns the text of a number of hundredths, as read_number() reads it, into that number with two decimals, in place and
+ * cut at 199 characters. text: 200 bytes. */
+void hundredths_to_decimals(char *text);
 
 #endif

@@ -10,9 +10,6 @@ namespace {
 /* Length of the controller names that carry monitors; a longer name counts by its beginning. */
 constexpr size_t controller_name_length = 10;
 
-/* Native power counts hundredths of the OpenConfig unit. */
-constexpr double hundredths = 100.0;
-
 constexpr const char *oc_namespace = CHMON_NS_OPENCONFIG_CHANNEL_MONITOR;
 
 } // namespace
@@ -58,7 +55,7 @@ faultno oc_opt_chmon_state_power_to_high(dtf_map_ctx ctx, const struct dtf_datat
     if (NULL != in->value) {
         (void)dtf_strcpy_s(__func__, power, sizeof power, in->value);
         DTF_TRC(ctx, "native power= %s", power);
-        write_two_decimals(read_number(power) / hundredths, power);
+        hundredths_to_decimals(power);
         DTF_TRC(ctx, "OC power= %s", power);
     }
     const faultno rc =
