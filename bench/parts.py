@@ -3,6 +3,7 @@ import json
 import subprocess
 import sys
 
+import callgrind
 import programs
 from measure import run_in_turn, run_once
 from programs import FLOOR, OURS
@@ -19,6 +20,12 @@ class Bench:
         self.data.mkdir(exist_ok=True)
         self.sizes = [SMALL, LARGE] + ([MILLION] if full else [])
         self.output = self.data / "output"
+
+    def make_data(self, slices):
+        if not programs.document_of(self.data, slices, "json").exists():
+            script = programs.ROOT / "examples" / "make-device.py"
+            command = [sys.executable, script, "--slices", str(slices), "--out", self.data / str(slices)]
+            subprocess.run(command, check=True)
 
     def rounds(self, name):
         if name in programs.SLOW:
@@ -129,4 +136,74 @@ def growth(bench):
                       f"{cost.peak / 1e6:6.0f} MB, {cost.peak / (MONITORS * slices):6.0f} bytes a slice")
 
 
-ALL = {"documents": documents, "memory": memory, "growth": growth}
+# ---- the plug-in's own share -----------------------------------------------------------------------------------------
+
+def share(bench):
+    heading("The plug-in's own share, framework operations that do nothing: instructions a slice (callgrind)")
+    program = [bench.build / "bin/plugin_share"]
+    counts = json.loads(subprocess.run([*program, "1000"], check=True, stdout=subprocess.PIPE).stdout)
+    costs = callgrind.per_item(program, bench.data / "callgrind.out", 100, 1100)
+    own = {function: cost for (place, function), cost in costs.items() if "liboc-chmon" in place and cost > 0.5}
+    for function, cost in sorted(own.items(), key=lambda item: -item[1]):
+        print(f"  {cost:6.0f}  {function}")
+    total = sum(own.values())
+    kept = json.loads((programs.ROOT / "bench/plugin-share.json").read_text())["instructions_per_slice"]
+    print(f"  {total:6.0f}  in all; bench/plugin-share.json has {kept}: {'same' if abs(total / kept - 1) < 0.05 else 'CHANGED'}")
+    libc = sum(cost for (place, _), cost in costs.items() if "libc.so" in place)
+    print(f"  {libc:6.0f}  in the C library, for it and for the operations that compare and copy")
+    print(f"  {counts['reports_asked'] / 1000:6.0f}  reports asked for, {counts['paths_added'] / 1000:.0f} paths added, "
+          f"{counts['heap_calls']} heap calls")
+    report, tests = (sum(cost for (_, function), cost in costs.items() if function == wanted)
+                     for wanted in ("one_report", "two_tests"))
+    print(f"  {report:6.0f}  for a report that nobody wants; its two tests alone: {tests:.0f}   "
+          f"goal: no more: {verdict(report <= tests)}")
+
+
+# ---- reads of a device -----------------------------------------------------------------------------------------------
+
+FILTER = """<channel-monitors xmlns="http://openconfig.net/yang/channel-monitor">
+  <channel-monitor><name>0/2-CHMON-PRE</name></channel-monitor></channel-monitors>"""
+
+
+def get(bench):
+    heading(f"chmon get of a loaded device and chmon map of the same data, {MONITORS * LARGE} slices")
+    chmon = bench.build / "bin/chmon"
+    device = bench.data / "loaded-device"
+    source = programs.device_folder(bench.data, LARGE)
+    if not device.exists():
+        run_once([chmon, "--device", device, "init"])
+        run_once([chmon, "--device", device, "load", source / "inventory.json", source / "ots-oper.json"])
+    one = bench.data / "one-monitor.xml"
+    one.write_text(FILTER)
+    commands = {}
+    for form in ("xml", "json"):
+        commands[f"map {form}"] = programs.ours(bench.build, bench.data, LARGE, form)
+        commands[f"get {form}"] = [chmon, "--device", device, "get", "--format", form]
+    commands["get one"] = [chmon, "--device", device, "get", "--filter", one]
+    commands["get config"] = [chmon, "--device", device, "get", "--config"]
+    costs = run_in_turn(commands, dict.fromkeys(commands, bench.rounds(OURS)), bench.output)
+    for name, cost in costs.items():
+        print(f"  {name:12}{cost.seconds * 1e3:7.1f} ms {cost.peak / 1e6:6.0f} MB")
+    for form in ("xml", "json"):
+        ratio = costs[f"map {form}"].seconds / costs[f"get {form}"].seconds
+        print(f"  map / get, {form}: {ratio:.2f}   goal > 1: {verdict(ratio > 1)}")
+    # What every start of the program costs is in both: a get of the configuration, of which there is none, is that.
+    start = costs["get config"].seconds
+    part = (costs["get one"].seconds - start) / (costs["get xml"].seconds - start)
+    print(f"  one monitor of six / all: {part:.3f}   goal: a sixth, {1 / 6:.3f}")
+
+
+# ---- logs ------------------------------------------------------------------------------------------------------------
+
+def logs(bench):
+    heading("Logs on, written to a file: chmon map, xml")
+    for slices in (SMALL, 4 * SMALL):
+        bench.make_data(slices)
+        for options in ([], ["--log", "trc"], ["--trace"]):
+            command = programs.ours(bench.build, bench.data, slices, "xml", *options)
+            seconds = min(run_once(command, bench.output, bench.data / "log").seconds for _ in range(3))
+            print(f"  {' '.join(options) or 'off':10}{MONITORS * slices:7} slices {per_slice(seconds, slices)}   "
+                  f"{(bench.data / 'log').stat().st_size / (MONITORS * slices):6.0f} bytes of log a slice")
+
+
+ALL = {"documents": documents, "memory": memory, "growth": growth, "share": share, "get": get, "logs": logs}
