@@ -254,7 +254,7 @@ faultno play(host &h, const scenario &s, dtf_datatree *in, bool by_account)
 /* The lines of a run that the plug-in is held to: not pure questions and copies, whose number is its own affair. */
 void take_lines(const host &h, const std::vector<uint64_t> &sums, const std::vector<string> &states, outcome &result)
 {
-    static const std::set<string> own_affair = {"is_delete", "is_add", "itree_peak", "itree_size", "copy"};
+    static const std::set<string> own_affair = {"is_delete", "itree_peak", "itree_size", "copy"};
     for (std::size_t i = 0; i < h.lines.size(); ++i)
         if (!own_affair.contains(h.lines[i].substr(0, h.lines[i].find(' '))))
             result.lines.push_back(h.lines[i] + " ~" + std::to_string(sums[i]) + states[i]);

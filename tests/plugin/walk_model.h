@@ -163,7 +163,7 @@ class model
 
     faultno container(id n, dtf_datatree *in)
     {
-        // 1 to 3: subtree, delete check, effective count
+        // subtree, delete check, effective count
         const bool subtree = (in->flags & DTF_FLAG_HAS_SUBTREE) != 0, is_state = n == state || n == channel_state;
         dtf_datatree *const children = subtree ? in->children : nullptr;
         const uint32_t count = subtree ? in->child_count : 0;
@@ -174,7 +174,7 @@ class model
             return FAULT_INVALID_ARGS;
         }
         const uint32_t wanted = r.expand_mode == 1 && (r.filter_flags & 1) != 0 ? 0 : count;
-        // 4, 5: recorded; a replace begins
+        // recorded; a replace begins
         if (r.expand_mode != 1)
             record(in, DTF_HIER_CONTAINER, 3);
         const bool replace = in->operation == 1;
@@ -185,23 +185,22 @@ class model
         uint32_t effective = replace ? 0 : wanted;
         faultno rc = 0;
         for (int pass = 0; pass < (replace ? 2 : 1); ++pass) {
-            // 6: hook and children
+            // hook and children
             rc = rc != 0 ? rc : hook(n, in);
             for (uint32_t i = 0; i < effective && rc == 0; ++i)
                 rc = container_child(n, &children[i]);
-            // 7, 8: sibling selection and expansion
+            // sibling selection and expansion
             if ((r.filter_flags & 6) == 4)
                 r.filter_flags = (r.filter_flags | 1) & ~6u;
             if ((effective == 0 || (r.filter_flags & 1) != 0) && (read || (!is_state && deletes(in))))
                 expand_container(n, in);
-            // 9: end of a replace pass
+            // end of a replace pass
             if (replace) {
                 set_operation(in, 0);
                 r.req_flags = (r.req_flags | 0x80) & ~0x40u;
                 set_subtree(in, children, effective = wanted, true);
             }
         }
-        // 10, 11
         if (replace)
             end_replace(in);
         if (r.expand_mode != 1)
@@ -239,7 +238,7 @@ class model
     faultno list(id n, dtf_datatree *in)
     {
         const char *const path = nodes[n].path;
-        // 1, 2: subtree; none at all
+        // subtree; none at all
         const bool subtree = (in->flags & DTF_FLAG_HAS_SUBTREE) != 0;
         const bool lost = subtree && in->children == nullptr && in->child_count != 0;
         if (lost && (n == monitor || !read))
@@ -249,11 +248,11 @@ class model
             say("ERR", n, "No keys specified with a list node.");
         if (count == 0 && r.expand_mode != 1 && r.delete_walk == 0 && keyed)
             return fail_structure(n, "No keys specified with a list node.");
-        // 3, 4: recorded, and the current list node
+        // recorded, and the current list node
         if (r.expand_mode != 1)
             record(in, DTF_HIER_LIST, 4);
         faultno rc = dtf_map_update_current_list_node(ctx, path);
-        // 5: key scan
+        // key scan
         notes seen;
         for (uint32_t i = 0; rc == 0 && i < count && r.expand_mode != 1 && r.delete_walk == 0; ++i) {
             dtf_datatree *const child = &in->children[i];
@@ -272,7 +271,7 @@ class model
             seen.valued = static_cast<uint8_t>(seen.valued + valued(child));
             seen.empty_key = seen.empty_key || !valued(child);
         }
-        // 6: key check
+        // key check
         const bool pass_1_15 = seen.valued == 1 && seen.keys < 2;
         const bool pass_others = (seen.keys | seen.valued) <= 1 && (kind != 8 || seen.valued == 1);
         if (n == monitor && r.expand_mode != 1 && count != 0 && r.delete_walk == 0 &&
@@ -280,7 +279,7 @@ class model
             say("ERR", n, "List key node error.");
             rc = fail_with_tag("name", FAULT_LIST_KEY_ERROR);
         }
-        // 7, 8: the passes
+        // the passes
         const bool replace = in->operation == 1;
         if (replace) {
             begin_replace(in);
@@ -294,7 +293,6 @@ class model
                 r.req_flags &= ~0x40u;
             }
         }
-        // 10 to 12
         if (replace)
             end_replace(in);
         if (seen.put_back)
@@ -309,7 +307,7 @@ class model
     void list_pass(id n, dtf_datatree *in, const char *path, uint32_t count, notes &seen,
                    std::optional<dtf_itree_entry> &peeked, faultno &rc)
     {
-        if (rc == 0) { // a to c: the hook and what it pushed
+        if (rc == 0) { // the hook and what it pushed
             const auto depth = static_cast<uint16_t>(dtf_map_util_itree_stack_size(ctx));
             rc = list_hook(n, in, count, seen);
             if (rc == FAULT_SKIP_ENTRY) {
@@ -324,7 +322,7 @@ class model
             if (rc == 0)
                 ctx->list_node_op = (in->flags & DTF_FLAG_OP_SET) != 0 ? in->operation : 0;
         }
-        // d: the entries
+        // the entries
         const bool entries = peeked && peeked->count != 0;
         for (uint32_t i = 0; i < (entries ? peeked->count : 1); ++i) {
             dtf_datatree *const entry = entries ? &peeked->children[i] : in;
@@ -343,7 +341,7 @@ class model
             if (recorded)
                 dtf_map_remove_from_node_hierarchy(ctx, entry);
         }
-        // e: the keys of a read that left them out
+        // the keys of a read that left them out
         if (rc != 0 || !read || r.expand_mode == 1 || !seen.others || seen.keys != 0)
             return;
         for (const string &tag : nodes[n].keys) {
