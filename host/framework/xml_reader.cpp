@@ -196,7 +196,9 @@ void xml_reader::read_wrapped(pugi::xml_node wrapper)
 {
     const attributes given = read_attributes(wrapper, true);
     if (given.filter_type != "subtree")
-        builder_.fail("filters of type '" + std::string(given.filter_type) + "' are not supported, only subtree");
+        builder_.fail_attribute(attribute_error::kind::bad, wrapper.name(), "type",
+                                "filters of type '" + std::string(given.filter_type) +
+                                    "' are not supported, only subtree");
     if (*wrapper.value() != '\0')
         builder_.fail("text in <" + std::string(wrapper.name()) + ">");
     for (const pugi::xml_node top : wrapper.children()) {
