@@ -319,7 +319,7 @@ inline bool find_value(const dtf_datatree *node, const string &wanted, string pa
     if ((node->flags & DTF_FLAG_HAS_VALUE) != 0 && path == wanted)
         return found = shown(node->value), true;
     path = (path + '/').substr(0, 199);
-    for (uint32_t i = 0; node->children != nullptr && i < node->child_count; ++i)
+    for (int i = 0; node->children != nullptr && i < static_cast<int>(node->child_count); ++i)
         if (find_value(&node->children[i], wanted, path, found))
             return true;
     return false;

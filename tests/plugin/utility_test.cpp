@@ -402,6 +402,11 @@ TEST(utility, path_search)
         h.plant(tree, "");
         EXPECT_EQ(search(h, wanted), found) << tree;
     }
+    host none;
+    EXPECT_EQ(compare_path_and_return_data(&none.context, nullptr, "a", so_far.bytes, output.bytes), 0);
+    none.lines.clear();
+    none.plant("a{b=1}", "")->child_count = 0x80000001; // past 2^31: as good as none
+    search(none, "a/b");
     std::mt19937 random(1);
     for (uint32_t seed = 1; seed < 3000 / share(); ++seed) {
         host h;
