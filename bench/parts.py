@@ -120,7 +120,7 @@ def growth(bench):
     heading("Growth")
     base = None
     for slices in bench.sizes:
-        seconds = mapping_times(bench, slices, ["ours"], 9)["ours"]
+        seconds = mapping_times(bench, slices, ["ours"], 5)["ours"]
         base = base or seconds / slices
         ratio = seconds / slices / base
         print(f"  in memory {MONITORS * slices:8} slices {per_slice(seconds, slices)}   {ratio:4.2f} x the first   "
@@ -130,7 +130,7 @@ def growth(bench):
             commands = {OURS: programs.ours(bench.build, bench.data, slices, form)}
             if form == "xml":
                 commands["pugixml"] = programs.all_programs(bench.build, bench.data, slices, form)["pugixml"]
-            costs = run_in_turn(commands, dict.fromkeys(commands, 5), bench.output)
+            costs = run_in_turn(commands, dict.fromkeys(commands, 3), bench.output)
             for name, cost in costs.items():
                 print(f"  {form:5}{name:10}{MONITORS * slices:8} slices {per_slice(cost.seconds, slices)}   peak "
                       f"{cost.peak / 1e6:6.0f} MB, {cost.peak / (MONITORS * slices):6.0f} bytes a slice")
