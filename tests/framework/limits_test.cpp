@@ -1,4 +1,4 @@
-/* Stacks that refuse what does not fit and stay paired; the trace buffer, fault texts and error paths. */
+/* Stacks that refuse what does not fit and stay paired; the two sinks, fault texts and error paths. */
 #include "faults.h"
 #include "named_allocations.h"
 #include "scripted_walk.h"
@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 using namespace scripted;
+using framework::log_level;
 
 namespace {
 
@@ -67,6 +68,29 @@ TEST(limits, what_is_not_popped_in_order_counts_as_unbalanced)
             return FAULT_SUCCESS;
         });
         EXPECT_FALSE(w.map.balanced());
+    }
+}
+
+TEST(reports, the_debug_log_gets_whole_lines_of_the_wanted_levels)
+{
+    for (const log_level level : {log_level::off, log_level::err, log_level::trc}) {
+        std::ostringstream log;
+        walk w({.log = level, .log_stream = &log});
+        const std::string long_text(5000, 'x');
+        w.run([&](walk &walking) {
+            std::uint32_t site = UINT32_MAX;
+            for (const std::uint32_t of : {DTF_LEVEL_ERR, DTF_LEVEL_TRC})
+                if (dtf_debug_should_log(&walking.ctx->debug_filter, of) != 0)
+                    _plat_dt_log_filter_adv(walking.ctx->err_log, 0, 0, 0, 0, 0, &site, "%u: %s%%", of,
+                                            long_text.c_str());
+            dtf_datatree node{};
+            give(walking.memory, node, "a", "1");
+            dtf_map_print_datatree_internal(walking.ctx, &node, "tree");
+            return FAULT_SUCCESS;
+        });
+        std::string expected = level == log_level::off ? "" : "0: " + long_text + "%\n";
+        expected += level == log_level::trc ? "3: " + long_text + "%\ntree\n  (no tag)\n    a = 1\n" : "";
+        EXPECT_EQ(log.str(), expected);
     }
 }
 
