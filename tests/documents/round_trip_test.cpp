@@ -67,20 +67,6 @@ const pair_of_documents pairs[] = {
     {document_use::read, "<filter xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' type='subtree'/>", "{}"},
 };
 
-TEST(documents, operations_are_inherited_by_their_rules)
-{
-    const std::string ns = " {http://openconfig.net/yang/channel-monitor}";
-    const std::string tree = parsed(pairs[3].xml, document_use::edit);
-    EXPECT_EQ(tree, "  channel-monitors" + ns + " op 0\n" +                                                         //
-                        "    channel-monitor" + ns + " op 2!\n      name" + ns + " = 'A' op 0\n" +                  //
-                        "      config" + ns + " op 2\n        name" + ns + " = 'A' op 2\n" +                        //
-                        "        monitor-port" + ns + " = 'P' op 0!\n" +                                            //
-                        "    channel-monitor" + ns + " op 1!\n      name" + ns + " = 'B' op 4!\n" +                 //
-                        "      config" + ns + " op 0\n" +                                                           //
-                        "    channel-monitor" + ns + " op 3!\n      name" + ns + " = 'C' op 0\n      config" + ns + //
-                        " op 3\n");
-}
-
 /* Where two texts part: a line of each. */
 std::string difference(const std::string &a, const std::string &b)
 {
