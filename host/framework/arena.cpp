@@ -1,5 +1,7 @@
 #include "arena.h"
 
+#include "block_pool.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -9,7 +11,7 @@ namespace {
 
 /* Blocks double from the first size to the last one: a small request stays small, a large one costs few blocks. */
 constexpr std::size_t first_block = std::size_t{16} << 10;
-constexpr std::size_t last_block = std::size_t{8} << 20;
+constexpr std::size_t last_block = pooled_block_size;
 
 } // namespace
 

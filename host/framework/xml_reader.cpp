@@ -1,16 +1,19 @@
 #include "xml_reader.h"
 
+#include "block_pool.h"
 #include "edit_operations.h"
 #include "name_table.h"
 #include "tree_builder.h"
 #include "xml_text.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <pugixml.hpp>
 #include <utility>
+#include <vector>
 
 namespace framework {
 
@@ -35,16 +38,58 @@ bool is_text(const pugi::xml_node &node)
 char *writable(const char *text) { return const_cast<char *>(text); }
 
 /*
- * The parser's nodes are taken from an arena that goes with the document, without a call of malloc() and free() for
- * each page of them. The parser has one pair of functions for the whole process: what other threads and other users
- * parse stays with the heap.
+ * The memory of the parser's nodes, which go together: no call of malloc() and free() for each page of them, and the
+ * trees that are made next get the blocks.
  */
-thread_local arena *parser_memory = nullptr;
+class parser_memory
+{
+  public:
+    parser_memory();
+    parser_memory(const parser_memory &) = delete;
+    parser_memory &operator=(const parser_memory &) = delete;
+    ~parser_memory();
+
+    void *allocate(std::size_t size)
+    {
+        const std::size_t aligned = (size + alignment - 1) / alignment * alignment;
+        if (aligned > left_)
+            open_block(aligned);
+        left_ -= aligned;
+        return std::exchange(next_, next_ + aligned);
+    }
+
+  private:
+    static constexpr std::size_t alignment = alignof(std::max_align_t);
+    static constexpr std::size_t first_block = std::size_t{128} << 10;
+
+    struct sized_block {
+        memory_block bytes;
+        std::size_t size;
+    };
+
+    /* Blocks grow fast, so that most of a large document's are of the size that can be used again. */
+    void open_block(std::size_t least)
+    {
+        const std::size_t standard = blocks_.size() < 3 ? first_block << (2 * blocks_.size()) : pooled_block_size;
+        const std::size_t size = std::max(least, standard);
+        blocks_.push_back({allocate_block(size), size});
+        next_ = blocks_.back().bytes.get();
+        left_ = size;
+    }
+
+    std::vector<sized_block> blocks_;
+    std::byte *next_ = nullptr;
+    std::size_t left_ = 0;
+    parser_memory *before_;
+};
+
+/* The parser has one pair of functions for the whole process: what others parse stays with the heap. */
+thread_local parser_memory *in_use = nullptr;
 
 void *allocate_for_parser(std::size_t size)
 {
     try {
-        return parser_memory != nullptr ? parser_memory->allocate(size) : std::malloc(size);
+        return in_use != nullptr ? in_use->allocate(size) : std::malloc(size);
     } catch (const std::bad_alloc &) {
         return nullptr;
     }
@@ -52,28 +97,24 @@ void *allocate_for_parser(std::size_t size)
 
 void release_for_parser(void *memory)
 {
-    if (parser_memory == nullptr)
+    if (in_use == nullptr)
         std::free(memory);
 }
 
-/* While it lives, the thread's parser uses its arena. */
-class parser_arena
+parser_memory::parser_memory() : before_(std::exchange(in_use, this))
 {
-  public:
-    parser_arena() : before_(std::exchange(parser_memory, &memory_))
-    {
-        static const bool is_set =
-            (pugi::set_memory_management_functions(allocate_for_parser, release_for_parser), true);
-        (void)is_set;
-    }
-    parser_arena(const parser_arena &) = delete;
-    parser_arena &operator=(const parser_arena &) = delete;
-    ~parser_arena() { parser_memory = before_; }
+    static const bool is_set = (pugi::set_memory_management_functions(allocate_for_parser, release_for_parser), true);
+    (void)is_set;
+}
 
-  private:
-    arena memory_;
-    arena *before_;
-};
+parser_memory::~parser_memory()
+{
+    in_use = before_;
+    for (sized_block &block : blocks_) {
+        if (block.size == pooled_block_size)
+            pool_block(std::move(block.bytes));
+    }
+}
 
 class xml_reader
 {
@@ -129,7 +170,7 @@ class xml_reader
     document_use use_;
     tree_builder builder_;
     name_table names_;
-    parser_arena parser_memory_; /* must outlive the document */
+    parser_memory parser_memory_; /* must outlive the document */
     pugi::xml_document document_;
     std::ptrdiff_t lines_ = 0; /* line ends in the document */
     std::vector<binding> bindings_;
