@@ -12,8 +12,8 @@ namespace {
 void require_monitor_name(std::string_view name)
 {
     if (!is_monitor_name(name)) {
-        throw std::invalid_argument("'" + std::string(name.substr(0, 60)) +
-                                    "' is no monitor name (0/SLOT-CHMON-BST or 0/SLOT-CHMON-PRE)");
+        throw std::invalid_argument("'" + std::string(name.substr(0, 60)) + "' is no monitor name " +
+                                    monitor_name_form);
     }
 }
 

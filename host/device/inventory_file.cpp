@@ -9,9 +9,6 @@
 namespace device {
 namespace {
 
-/// Monitor names are kept in buffers of 20 bytes.
-constexpr std::size_t longest_monitor_name = 19;
-
 [[noreturn]] void refuse(std::string_view file, const std::string &cause)
 {
     throw invalid_document(std::string(file) + ": " + cause);
@@ -52,17 +49,13 @@ simdjson::dom::array members(simdjson::dom::element document, std::string_view f
 bool is_monitor_name(std::string_view name)
 {
     constexpr std::string_view chassis = "0/";
-    if (name.size() > longest_monitor_name || !name.starts_with(chassis)) {
+    if (!name.starts_with(chassis)) {
         return false;
     }
-    const auto dash = name.find('-');
-    if (dash == std::string_view::npos) {
-        return false;
-    }
-    const std::string_view slot = name.substr(chassis.size(), dash - chassis.size());
-    const std::string_view rest = name.substr(dash);
-    return !slot.empty() && std::all_of(slot.begin(), slot.end(), [](char c) { return c >= '0' && c <= '9'; }) &&
-           (slot.size() == 1 || slot.front() != '0') && (rest == "-CHMON-BST" || rest == "-CHMON-PRE");
+    name.remove_prefix(chassis.size());
+    const std::string_view amplifier = name.substr(std::min<std::size_t>(1, name.size()));
+    return !name.empty() && name.front() >= '1' && name.front() <= '3' &&
+           (amplifier == "-CHMON-BST" || amplifier == "-CHMON-PRE");
 }
 
 std::vector<std::string> read_inventory(const std::string &text, std::string_view file)
@@ -78,7 +71,7 @@ std::vector<std::string> read_inventory(const std::string &text, std::string_vie
         const std::string place = "/inventory/" + std::to_string(names.size()) + ": ";
         std::string_view name;
         if (element.get(name) != simdjson::SUCCESS || !is_monitor_name(name)) {
-            refuse(file, place + shown(element) + " is no monitor name (0/SLOT-CHMON-BST or 0/SLOT-CHMON-PRE)");
+            refuse(file, place + shown(element) + " is no monitor name " + monitor_name_form);
         }
         if (!seen.insert(name).second) {
             refuse(file, place + shown(element) + " stands twice");

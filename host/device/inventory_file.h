@@ -7,8 +7,11 @@
 
 namespace device {
 
-/// Whether a name has the form 0/SLOT-CHMON-BST or 0/SLOT-CHMON-PRE, at most 19 characters, the slot without leading
-/// zeros (0/01-CHMON-PRE would be a second name of the monitor 0/1-CHMON-PRE).
+/// What messages say of the names that there are.
+inline constexpr const char *monitor_name_form = "(0/SLOT-CHMON-BST or 0/SLOT-CHMON-PRE, SLOT 1 to 3)";
+
+/// Whether a name is one of the six that a monitor can have: slots 1 to 3 have a controller with a booster (BST) and a
+/// pre-amplifier (PRE). A second spelling of one, such as 0/01-CHMON-PRE, is none.
 bool is_monitor_name(std::string_view name);
 
 /// The names of an inventory file, in its order. Throws invalid_document, naming `file` and what is wrong, for anything

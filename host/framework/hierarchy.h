@@ -34,6 +34,16 @@ class node_hierarchy
     const dtf_datatree *top() const { return size() == 0 ? nullptr : node(static_cast<std::uint8_t>(size() - 1)); }
     bool top_is_list() const { return size() != 0 && is_list(static_cast<std::uint8_t>(size() - 1)); }
 
+    /* The list entry that the walk stands at or is below of; null when it is in none. */
+    const dtf_datatree *innermost_list() const
+    {
+        std::uint8_t level = size();
+        while (level != 0)
+            if (is_list(--level))
+                return node(level);
+        return nullptr;
+    }
+
     /* True when nothing is open and every pop named the node pushed last. */
     bool balanced() const { return size() == 0 && refused_ == 0 && mismatches_ == 0; }
 

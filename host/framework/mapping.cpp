@@ -204,10 +204,12 @@ faultno mapping::register_instance(const entry_place &native, const char *native
     return instances_.add(names, key, native, enter_request_instance) ? FAULT_SUCCESS : fault_stack_full;
 }
 
-/* In an expansion the list's entry is not on the hierarchy: then the request has none. */
+/* In an expansion the list's entry is not on the hierarchy: then the request has none. Else the walk stands at the
+ * entry or below it. */
 bool mapping::current_entry_is_named(const list_schema &list) const
 {
-    return hierarchy_.top_is_list() && value_of(find_child(*hierarchy_.top(), list.keys.front())) != nullptr;
+    const dtf_datatree *const entry = hierarchy_.innermost_list();
+    return entry != nullptr && value_of(find_child(*entry, list.keys.front())) != nullptr;
 }
 
 faultno mapping::enter_instance(const dtf_datatree *instance)

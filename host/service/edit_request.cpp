@@ -37,15 +37,25 @@ void check_form(const place &at)
         throw application_error("bad-element", at.path, "takes elements, not a value");
 }
 
-/* Calls `visit(place)` for each child that the schema knows; one that is no list entry may be there once. */
+/* A tag of ours in a namespace that is not: the plug-in goes by the tag where it knows one. */
+[[noreturn]] void refuse_namespace(const dtf_datatree &node, const std::string &path)
+{
+    throw application_error("unknown-namespace", path,
+                            node.ns == nullptr ? "has no namespace" : "no element of that namespace here");
+}
+
+/* Calls `visit(place)` for each child that the schema knows; one that is no list entry may be there once. What the
+ * schema does not know is the plug-in's to judge. */
 template <typename function> void each_child(const place &parent, function &&visit)
 {
     std::set<std::string_view> seen;
     for (const dtf_datatree &child : children_of(parent.node)) {
         const framework::schema_node *const schema = framework::schema_of(child, parent.node, &parent.schema);
+        std::string path = parent.path + "/" + child.tag;
+        if (schema == nullptr && parent.schema.child(child.tag) != nullptr)
+            refuse_namespace(child, path);
         if (schema == nullptr)
             continue;
-        std::string path = parent.path + "/" + child.tag;
         if (schema->kind != framework::schema_kind::list && !seen.insert(schema->tag).second)
             throw application_error("bad-element", path, "given more than once");
         const place at{child, *schema, std::move(path)};

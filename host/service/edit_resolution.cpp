@@ -11,16 +11,18 @@ namespace service {
 namespace {
 
 /* What a node's operation finds where it applies: the configuration before the edit, less what is replaced above. */
-enum class present { no, yes };
+enum class present { no, yes, replaced };
 
 [[noreturn]] void refuse_existing(const std::string &path)
 {
     throw application_error("data-exists", path, "is configured already");
 }
 
-[[noreturn]] void refuse_missing(const std::string &path)
+[[noreturn]] void refuse_missing(const std::string &path, present before)
 {
-    throw application_error("data-missing", path, "is not configured");
+    throw application_error("data-missing", path,
+                            before == present::replaced ? "is not there: what is above it is made anew"
+                                                        : "is not configured");
 }
 
 /* Create, delete and none say what must be there before. */
@@ -28,14 +30,14 @@ void check_presence(edit_operation operation, present before, const std::string 
 {
     if (operation == edit_operation::create && before == present::yes)
         refuse_existing(path);
-    if ((operation == edit_operation::remove_existing || operation == edit_operation::none) && before == present::no)
-        refuse_missing(path);
+    if ((operation == edit_operation::remove_existing || operation == edit_operation::none) && before != present::yes)
+        refuse_missing(path, before);
 }
 
 /* What children of a node find: below one that is made anew there is nothing yet. */
 present below(edit_operation operation, present before)
 {
-    return operation == edit_operation::replace || operation == edit_operation::create ? present::no : before;
+    return operation == edit_operation::replace || operation == edit_operation::create ? present::replaced : before;
 }
 
 /* A part of an entry, whose operation is its own or its parent's. Gives the operation. */
@@ -88,7 +90,7 @@ const known_monitor &require_known(const monitor_directory &monitors, const std:
     throw application_error("invalid-value", monitor_path(name) + "/name",
                             device::is_monitor_name(name)
                                 ? "the device has no such monitor in its inventory"
-                                : "is no monitor name (0/SLOT-CHMON-BST or 0/SLOT-CHMON-PRE)");
+                                : std::string("is no monitor name ") + device::monitor_name_form);
 }
 
 /* One edit being resolved. */

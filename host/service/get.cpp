@@ -4,11 +4,13 @@
 #include "service/netconf_error.h"
 #include "service/stop_watch.h"
 #include "service/subtree_filter.h"
+#include "service/tree_access.h"
 
 #include "framework/document.h"
 
 #include <chrono>
 #include <ostream>
+#include <string_view>
 
 namespace service {
 
@@ -34,6 +36,26 @@ void tell(std::ostream &stream, const get_costs &costs)
     stream.precision(before);
 }
 
+/* The filter that a document is, in NETCONF's wrapper or alone. XML's <filter> is taken off by the reader; its JSON
+ * form names the module that defines get. */
+dtf_datatree filter_in(const dtf_datatree &document)
+{
+    const auto tops = children_of(document);
+    if (tops.size() == 1 && tops.front().ns != nullptr) {
+        const std::string_view ns = tops.front().ns;
+        if (ns == "ietf-netconf" && std::string_view(tops.front().tag) == "filter") {
+            dtf_datatree filter = tops.front();
+            filter.tag = nullptr;
+            return filter;
+        }
+        /* It would select nothing, which is never what is meant by it. */
+        if (ns == "ietf-netconf" || ns == "urn:ietf:params:xml:ns:netconf:base:1.0")
+            throw application_error("unknown-element", std::string("/") + tops.front().tag,
+                                    "a filter is wanted here, without the message around it");
+    }
+    return document;
+}
+
 void run(const plugin &mapper, const device::folder &device, const get_options &options,
          const framework::text_receiver &out)
 {
@@ -49,7 +71,7 @@ void run(const plugin &mapper, const device::folder &device, const get_options &
         reading.use = framework::document_use::read;
         const auto text = framework::read_document_text(*options.filter, reading.size_limit);
         format = framework::format_of(text);
-        filter = framework::parse_document(text, memory, reading);
+        filter = filter_in(framework::parse_document(text, memory, reading));
         trim_texts(*filter, memory);
     }
     costs.parse = watch.lap();

@@ -4,6 +4,7 @@
 #include "service/tree_access.h"
 #include "service/tree_making.h"
 
+#include "device/inventory.h"
 #include "framework/arena.h"
 #include "framework/tree.h"
 
@@ -105,6 +106,10 @@ chart::monitor read_spectrum(const plugin &mapper, const device::folder &device,
         found = found || one.name == name;
         known += (known.empty() ? "" : ", ") + one.name;
     }
+    /* One that the device has, but that is neither configured nor measured, has an empty spectrum. */
+    const auto inventory = device::list_monitors(state);
+    if (!found && std::ranges::find(inventory, name) != inventory.end())
+        return {name, {}, {}};
     if (!found)
         throw unknown_monitor(name + ": no such monitor; the device has " + (known.empty() ? "none" : known));
     const dtf_datatree filter = filter_for(name.c_str(), memory);
