@@ -48,7 +48,7 @@ class open_file
 
 [[noreturn]] void fail_system(const std::string &name)
 {
-    throw parse_error(name + ": cannot read: " + std::strerror(errno));
+    throw read_error(name + ": cannot read: " + std::strerror(errno));
 }
 
 [[noreturn]] void fail_too_large(const std::string &name, std::size_t limit)
@@ -72,7 +72,7 @@ std::size_t expected_size(int descriptor, const std::string &name, std::size_t l
     if (::fstat(descriptor, &status) != 0)
         fail_system(name);
     if (S_ISDIR(status.st_mode))
-        throw parse_error(name + ": cannot read: it is a directory");
+        throw read_error(name + ": cannot read: it is a directory");
     const auto size = static_cast<std::size_t>(std::max<off_t>(status.st_size, 0));
     if (size > limit)
         fail_too_large(name, limit);

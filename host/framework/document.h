@@ -28,6 +28,13 @@ class parse_error : public std::runtime_error
     explicit parse_error(const std::string &what);
 };
 
+/* A document that cannot be read at all, whatever is in it: "FILE: cannot read: why". */
+class read_error : public std::runtime_error
+{
+  public:
+    using std::runtime_error::runtime_error;
+};
+
 /* An attribute (JSON: an annotation) that has no meaning where it stands, or not that value. */
 class attribute_error : public parse_error
 {
@@ -88,7 +95,7 @@ struct document_text {
 /* A copy of `text` under a name for messages. */
 document_text make_document_text(std::string_view text, std::string name);
 
-/* A file's text; "-" is standard input. Throws parse_error when it cannot be read or is over the limit. */
+/* A file's text; "-" is standard input. Throws read_error, or parse_error when it is over the limit. */
 document_text read_document_text(const std::string &path, std::size_t size_limit);
 
 enum class document_format { xml, json };
@@ -104,6 +111,9 @@ dtf_datatree parse_document(const document_text &text, arena &memory, const docu
 
 /* read_document_text() and parse_document() in one. */
 dtf_datatree read_document(const std::string &path, arena &memory, const document_options &options = {});
+
+/* For the readers: bytes of the longest prefix that is UTF-8, for the message about what follows it. */
+std::size_t valid_utf8_prefix(std::string_view text);
 
 /* For the readers: "NAME:LINE:COLUMN: what" for the place `offset` bytes into the text, both counted from 1. */
 [[noreturn]] void fail_at(const document_text &text, std::size_t offset, const std::string &what);

@@ -65,6 +65,7 @@ class json_reader
         const char *ns;         /* of members whose name has no module */
         const name_entry *name; /* of an array */
         std::size_t first_name; /* of an object: its members' names are names_seen_ from here */
+        std::size_t first_note; /* of an object: the names of its annotations are notes_seen_ from here */
         std::uint32_t elements; /* of an array */
         std::uint32_t nulls;    /* of an array */
     };
@@ -96,11 +97,13 @@ class json_reader
     void annotate(const name_entry *name, std::uint32_t index, std::uint32_t operation);
     void apply_annotations();
     void check_names_once(std::size_t first);
+    void check_notes_once(std::size_t first);
 
     name_entry &find_name(const char *key);
     std::string_view decode_name(const char *key);
     std::string_view unescape(const char *text, std::size_t size);
     std::size_t offset_of(const char *place) const { return static_cast<std::size_t>(place - text_.bytes.get()); }
+    void fail_ending() const;
     [[noreturn]] void fail_syntax(simdjson::error_code error);
     [[noreturn]] void fail_indexing(simdjson::error_code error);
 
@@ -122,6 +125,9 @@ class json_reader
     ondemand::document *document_ = nullptr;
     std::vector<level> levels_;
     std::vector<name_entry *> names_seen_;
+    std::vector<name_entry *> notes_seen_;
+    name_entry own_note_ = {"",      {},      "", nullptr,
+                            nullptr, nullptr, 0}; /* stands for the annotation of an object itself */
     std::vector<annotation> annotations_;
     std::uint64_t objects_ = 0; /* ended so far */
 };
@@ -191,7 +197,9 @@ void json_reader::end_object()
 {
     apply_annotations();
     check_names_once(levels_.back().first_name);
+    check_notes_once(levels_.back().first_note);
     names_seen_.resize(levels_.back().first_name);
+    notes_seen_.resize(levels_.back().first_note);
     levels_.pop_back();
     if (!levels_.empty())
         builder_.close();
@@ -238,7 +246,7 @@ void json_reader::read_value(ondemand::value value, const name_entry &name, cons
             builder_.fail_child(name.tag, "an array in an array");
         auto array = take(value.get_array());
         auto begin = take(array.begin());
-        levels_.push_back({false, {}, begin, ns, &name, 0, 0, 0});
+        levels_.push_back({false, {}, begin, ns, &name, 0, 0, 0, 0});
         return;
     }
     read_scalar(value, name, ns);
@@ -247,7 +255,7 @@ void json_reader::read_value(ondemand::value value, const name_entry &name, cons
 
 void json_reader::open_object(ondemand::object object, const char *ns)
 {
-    levels_.push_back({true, take(object.begin()), {}, ns, nullptr, names_seen_.size(), 0, 0});
+    levels_.push_back({true, take(object.begin()), {}, ns, nullptr, names_seen_.size(), notes_seen_.size(), 0, 0});
 }
 
 void json_reader::read_scalar(ondemand::value value, const name_entry &name, const char *ns)
@@ -310,6 +318,7 @@ void json_reader::read_annotation(std::string_view target, ondemand::value value
         const char *const ns = name->ns;
         name = ns == nullptr || same_namespace(ns, levels_.back().ns) ? name->plain : name;
     }
+    notes_seen_.push_back(name != nullptr ? name : &own_note_);
     if (value.raw_json_token().front() != '[') {
         annotate(name, 0, read_operation(target, value));
         return;
@@ -329,12 +338,18 @@ std::uint32_t json_reader::read_operation(std::string_view target, ondemand::val
     if (value.raw_json_token().front() != '{')
         builder_.fail("an annotation is a JSON object");
     std::uint32_t operation = 0;
+    bool is_given = false;
     for (auto member : take(value.get_object())) {
         ondemand::field field = take(member);
         const std::string_view name = take(field.unescaped_key());
         if (name != operation_annotation)
             builder_.fail_attribute(attribute_error::kind::unknown, target, name,
                                     "unknown annotation '" + std::string(name) + "'");
+        if (std::exchange(is_given, true))
+            builder_.fail("the annotation '" + std::string(name) + "' is there twice");
+        if (const std::string_view token = token_of(field.value()); token.front() != '"')
+            builder_.fail_attribute(attribute_error::kind::bad, target, "operation",
+                                    "an edit operation is a text, not " + std::string(token.substr(0, 20)));
         const std::string_view word = take(field.value().get_string());
         const auto known = operation_of(word);
         if (!known)
@@ -385,6 +400,17 @@ void json_reader::check_names_once(std::size_t first)
     }
 }
 
+/* The same for annotations: a name has a place among the members and one among the annotations. */
+void json_reader::check_notes_once(std::size_t first)
+{
+    ++objects_;
+    for (std::size_t i = first; i < notes_seen_.size(); ++i) {
+        if (notes_seen_[i]->stamp == objects_)
+            builder_.fail("the member '@" + std::string(notes_seen_[i]->text) + "' is there twice");
+        notes_seen_[i]->stamp = objects_;
+    }
+}
+
 /* ---- texts and errors ---- */
 
 /* `key` lies behind its opening quote. The comparison with the guess stays within the padding or before it. */
@@ -427,8 +453,42 @@ std::string_view json_reader::unescape(const char *text, std::size_t size)
     return decoded;
 }
 
+/*
+ * Throws where all brackets are closed before the text ends, or some not when it does; the parser calls both the same.
+ * Of the strings already read the closing quote is a NUL by now.
+ */
+void json_reader::fail_ending() const
+{
+    const std::string_view text = text_.view();
+    std::string open;
+    bool in_string = false;
+    for (std::size_t i = text.find('{'); i < text.size(); ++i) {
+        const char c = text[i];
+        if (in_string) {
+            i += c == '\\' ? 1 : 0;
+            in_string = c != '"' && c != '\0';
+        } else if (c == '"') {
+            in_string = true;
+        } else if (c == '{' || c == '[') {
+            open += c;
+        } else if (c == '}' || c == ']') {
+            if (open.back() != (c == '}' ? '{' : '['))
+                return;
+            open.pop_back();
+        }
+        if (!open.empty())
+            continue;
+        const std::size_t rest = text.find_first_not_of(" \t\r\n", i + 1);
+        if (rest == std::string_view::npos)
+            return;
+        fail_at(text_, rest, "malformed JSON: text behind the document");
+    }
+    fail_at(text_, text.size(), "malformed JSON: the document ends early");
+}
+
 void json_reader::fail_syntax(simdjson::error_code error)
 {
+    fail_ending();
     const auto location = document_->current_location();
     const std::size_t offset = location.error() == simdjson::SUCCESS ? offset_of(location.value_unsafe()) : text_.size;
     fail_at(text_, std::min(offset, text_.size), "malformed JSON: " + std::string(simdjson::error_message(error)));
@@ -439,6 +499,8 @@ void json_reader::fail_indexing(simdjson::error_code error)
 {
     const std::string what = "malformed JSON: " + std::string(simdjson::error_message(error));
     const std::string_view text = text_.view();
+    if (error == simdjson::UTF8_ERROR)
+        fail_at(text_, valid_utf8_prefix(text), "not UTF-8");
     std::size_t string_start = 0;
     bool in_string = false;
     for (std::size_t i = 0; i < text.size(); ++i) {

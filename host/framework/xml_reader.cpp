@@ -137,6 +137,7 @@ class xml_reader
     /* What an element's attributes say beside its namespaces. */
     struct attributes {
         int operation = -1;                       /* none */
+        bool has_operation = false;               /* whether or not it has a meaning here */
         std::string_view filter_type = "subtree"; /* of a wrapper */
         bool is_match = false;                    /* of a filter: attributes that the data should have */
     };
@@ -152,6 +153,8 @@ class xml_reader
 
     void declare_namespaces(pugi::xml_node element, std::size_t level);
     attributes read_attributes(pugi::xml_node element, bool is_wrapper);
+    void check_attributes_once(pugi::xml_node element) const;
+    [[noreturn]] void fail_doubled(pugi::xml_node element, std::string_view attribute) const;
     void read_other_attribute(pugi::xml_node element, std::string_view name, bool is_wrapper, attributes &given) const;
     const char *namespace_for(const name_entry &name, const attributes &given) const
     {
@@ -382,6 +385,7 @@ const char *xml_reader::find_prefix(std::string_view prefix, const char *tag) co
 xml_reader::attributes xml_reader::read_attributes(pugi::xml_node element, bool is_wrapper)
 {
     attributes given;
+    check_attributes_once(element);
     for (const pugi::xml_attribute attribute : element.attributes()) {
         const std::string_view name = attribute.name();
         if (name == "xmlns" || name.starts_with("xmlns:"))
@@ -390,14 +394,35 @@ xml_reader::attributes xml_reader::read_attributes(pugi::xml_node element, bool 
         const bool has_prefix = colon != std::string_view::npos && colon > 0;
         const bool is_netconf = has_prefix && find_prefix(name.substr(0, colon), element.name()) == netconf_namespace;
         const std::string_view local = colon == std::string_view::npos ? name : name.substr(colon + 1);
-        if (is_netconf && local == "operation" && !is_wrapper && given.operation < 0)
+        if (is_netconf && local == "operation" && !is_wrapper) {
+            if (std::exchange(given.has_operation, true))
+                fail_doubled(element, local);
             given.operation = read_operation(element.name(), decoded(writable(attribute.value()), element.name()));
-        else if (is_wrapper && local == "type" && (is_netconf || colon == std::string_view::npos))
+        } else if (is_wrapper && local == "type" && (is_netconf || colon == std::string_view::npos))
             given.filter_type = decoded(writable(attribute.value()), element.name());
         else
             read_other_attribute(element, name, is_wrapper, given);
     }
     return given;
+}
+
+/* The parser takes doubles, which are not well-formed (XML 1.0, section 3.1). */
+void xml_reader::check_attributes_once(pugi::xml_node element) const
+{
+    if (!element.first_attribute().next_attribute())
+        return;
+    std::vector<std::string_view> names;
+    for (const pugi::xml_attribute attribute : element.attributes())
+        names.emplace_back(attribute.name());
+    std::ranges::sort(names);
+    if (const auto twice = std::ranges::adjacent_find(names); twice != names.end())
+        fail_doubled(element, *twice);
+}
+
+void xml_reader::fail_doubled(pugi::xml_node element, std::string_view attribute) const
+{
+    builder_.fail_child(builder_.next_child(element.name()),
+                        "malformed XML: attribute '" + std::string(attribute) + "' is there twice");
 }
 
 void xml_reader::read_other_attribute(pugi::xml_node element, std::string_view name, bool is_wrapper,

@@ -27,16 +27,6 @@ constexpr std::array<bool, 256> ends_plain = make_ends_plain();
 
 bool is_control(char c) { return static_cast<unsigned char>(c) < 0x20 && !is_space(c); }
 
-/* The longest prefix that is UTF-8: found by halves, for the message alone. */
-std::size_t valid_utf8_prefix(std::string_view text)
-{
-    std::size_t good = 0;
-    for (std::size_t step = text.size(); step > 0; step /= 2)
-        while (good + step <= text.size() && simdjson::validate_utf8(text.data() + good, step))
-            good += step;
-    return good;
-}
-
 bool equal_ignoring_case(std::string_view a, std::string_view b)
 {
     return std::ranges::equal(
@@ -158,6 +148,16 @@ std::ptrdiff_t count_line_ends(std::string_view text, const char *&control)
 }
 
 } // namespace
+
+/* By halves. */
+std::size_t valid_utf8_prefix(std::string_view text)
+{
+    std::size_t good = 0;
+    for (std::size_t step = text.size(); step > 0; step /= 2)
+        while (good + step <= text.size() && simdjson::validate_utf8(text.data() + good, step))
+            good += step;
+    return good;
+}
 
 std::ptrdiff_t check_xml_text(const document_text &text)
 {

@@ -84,7 +84,7 @@ std::string read_or_refused(const std::string &path, std::size_t limit)
 {
     try {
         return std::string(read_document_text(path, limit).view());
-    } catch (const parse_error &error) {
+    } catch (const std::runtime_error &error) {
         return error.what();
     }
 }
