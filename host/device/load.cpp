@@ -14,6 +14,7 @@ using names = std::optional<std::vector<std::string>>;
 void read(const schema &modules, const document &from, native_records &records, names &monitors)
 {
     const document_kind kind = kind_of(from.text, from.name);
+    check_text(from);
     if (kind != document_kind::inventory) {
         read_native(modules, from, kind == document_kind::native_xml ? format::xml : format::json, records);
         return;

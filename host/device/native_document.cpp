@@ -95,7 +95,8 @@ void read_ots_oper(const lyd_node *container, native_records &records)
 
 void read_native(const schema &modules, const document &from, format written_as, native_records &records)
 {
-    const data_tree tree = modules.parse(from.text, written_as, check::whole, from.name);
+    const auto inner = written_as == format::xml ? without_wrapper(from.text) : std::nullopt;
+    const data_tree tree = modules.parse(inner ? *inner : from.text, written_as, check::whole, from.name);
     if (tree == nullptr) {
         throw invalid_document(from.name + ": holds no data");
     }

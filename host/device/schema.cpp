@@ -40,6 +40,13 @@ std::string part_of(const std::string &place, std::string_view label, std::strin
     return place.substr(begin, place.find_first_of(end, begin) - begin);
 }
 
+/// How libyang says that a text ended where more was due: it met the NUL behind it.
+bool tells_of_the_end(std::string_view message)
+{
+    return message.find("character 0x0") != message.npos || message.find("sequence \"\"") != message.npos ||
+           message.find("end-of-input") != message.npos;
+}
+
 /// libyang's last error as "line 12, /path: cause"; the data path is preferred to the schema path, for it has the keys.
 std::string last_error(const ly_ctx *context)
 {
@@ -61,7 +68,9 @@ std::string last_error(const ly_ctx *context)
     if (!path.empty()) {
         where += (where.empty() ? "" : ", ") + path;
     }
-    return one_line((where.empty() ? "" : where + ": ") + (error->msg == nullptr ? "cause unknown" : error->msg));
+    const std::string cause = error->msg == nullptr ? "cause unknown" : error->msg;
+    return one_line((where.empty() ? "" : where + ": ") +
+                    (tells_of_the_end(cause) ? "the document ends early" : cause));
 }
 
 /// libyang's view of a text, which it does not copy.
