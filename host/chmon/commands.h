@@ -29,6 +29,12 @@ struct global_options {
     service::walk_options walks() const;
 };
 
+/*
+ * Writes out what was printed, after a change that stands whatever becomes of that: throws with `done`, which says so,
+ * when standard output cannot be written.
+ */
+void finish_output(const char *done);
+
 /* Declares the global options on the program itself. */
 void add_global_options(CLI::App &app, global_options &globals);
 
@@ -42,6 +48,9 @@ void add_native(CLI::App &app, global_options &globals);
 void add_get(CLI::App &app, global_options &globals);
 void add_edit(CLI::App &app, global_options &globals);
 void add_show(CLI::App &app, global_options &globals);
+
+/* Ends the help of every command below `app` with what holds for all of them. */
+void add_common_footer(CLI::App &app);
 
 } // namespace cli
 

@@ -21,6 +21,8 @@ void edit(service::edit_options options, const global_options &globals)
         std::cout << change.describe() << '\n';
     if (changes.empty())
         std::cout << "nothing to change\n";
+    else if (!options.dry_run)
+        finish_output("the edit is stored");
 }
 
 } // namespace
@@ -29,8 +31,8 @@ void add_edit(CLI::App &app, global_options &globals)
 {
     CLI::App *const command = app.add_subcommand("edit", "Change the device's configuration by an OpenConfig edit");
     const auto options = std::make_shared<service::edit_options>();
-    command->add_option("edit", options->document, "OpenConfig edit, XML or JSON; - is standard input")
-        ->type_name("FILE")
+    command->add_option("REQUEST-FILE", options->document, "OpenConfig edit, XML or JSON; - is standard input")
+        ->option_text("REQUIRED")
         ->required();
     command
         ->add_option_function<std::string>(

@@ -4,6 +4,8 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <stdexcept>
+#include <string>
 
 namespace cli {
 
@@ -25,6 +27,13 @@ service::walk_options global_options::walks() const
     return walks;
 }
 
+void finish_output(const char *done)
+{
+    std::cout.flush();
+    if (!std::cout)
+        throw std::runtime_error(std::string("standard output: cannot write; ") + done);
+}
+
 void add_global_options(CLI::App &app, global_options &globals)
 {
     app.add_option("--device", globals.device, "Device folder; without it $CHMON_DEVICE, else ./chmon-device")
@@ -32,6 +41,14 @@ void add_global_options(CLI::App &app, global_options &globals)
     app.add_option("--log", globals.log, "Show the plug-in's debug log: errors (err) or every step (trc)")
         ->check(CLI::IsMember({"err", "trc"}));
     app.add_flag("--trace", globals.trace, "Show the trace buffer of each walk");
+}
+
+void add_common_footer(CLI::App &app)
+{
+    for (CLI::App *const command : app.get_subcommands([](CLI::App *) { return true; })) {
+        command->footer("--device, --log and --trace may stand before or after the command; see chmon --help.");
+        add_common_footer(*command);
+    }
 }
 
 } // namespace cli

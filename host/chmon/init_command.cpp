@@ -15,6 +15,7 @@ void init(const global_options &globals)
     const std::filesystem::path folder = globals.device_folder();
     device::folder::create(folder);
     std::cout << folder.string() << ": an empty device\n";
+    finish_output("the device is made");
 }
 
 } // namespace

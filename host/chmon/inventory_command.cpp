@@ -40,7 +40,7 @@ void add_change(CLI::App &inventory, const char *word, const char *what,
 {
     CLI::App *const command = inventory.add_subcommand(word, what);
     const auto names = std::make_shared<std::vector<std::string>>();
-    command->add_option("monitors", *names, "Names such as 0/2-CHMON-PRE")->type_name("MONITOR")->required();
+    command->add_option("MONITOR", *names, "Names such as 0/2-CHMON-PRE")->option_text("... REQUIRED")->required();
     command->callback([names, run] { run(*names); });
 }
 

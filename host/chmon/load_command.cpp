@@ -33,6 +33,7 @@ void load(const std::vector<std::string> &files, const global_options &globals)
     if (loaded.ports)
         std::cout << "operational data: " << counted(*loaded.ports, "port") << ", "
                   << counted(loaded.slices, "spectrum slice") << '\n';
+    finish_output("the documents are stored");
 }
 
 } // namespace
@@ -43,10 +44,10 @@ void add_load(CLI::App &app, global_options &globals)
     const auto files = std::make_shared<std::vector<std::string>>();
     command
         ->add_option(
-            "documents", *files,
+            "DOCUMENT", *files,
             "Native documents, XML or JSON, and inventory files, told apart by their content; all go in at once, "
-            "or none")
-        ->type_name("FILE")
+            "or none; - is standard input")
+        ->option_text("... REQUIRED")
         ->required();
     command->callback([files, &globals] { load(*files, globals); });
 }

@@ -8,6 +8,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -33,14 +34,23 @@ std::string one_line(std::string message)
     return "chmon: " + message;
 }
 
+/* What is wrong with the command line. An argument in the command's place is what is meant, not that none is there. */
+std::string usage_error(const CLI::App *app, const CLI::Error &wrong)
+{
+    const auto left = app->remaining();
+    std::string message = wrong.what();
+    if (app->get_parent() == nullptr && app->get_subcommands().empty() && !left.empty())
+        message = (left.front().starts_with('-') ? "unknown option '" : "unknown command '") + left.front() + '\'';
+    return one_line(std::move(message)) + "; see chmon --help\n";
+}
+
 int run(int argc, char **argv)
 {
     CLI::App app("OpenConfig channel monitors over a device's native models", "chmon");
     /* Set before the commands are added: they take it over, and so global options may follow the command. */
     app.fallthrough();
     app.require_subcommand(1);
-    app.failure_message(
-        [](const CLI::App *, const CLI::Error &wrong) { return one_line(wrong.what()) + "; see chmon --help\n"; });
+    app.failure_message(usage_error);
 
     cli::global_options globals;
     cli::add_global_options(app, globals);
@@ -53,6 +63,7 @@ int run(int argc, char **argv)
     cli::add_get(app, globals);
     cli::add_edit(app, globals);
     cli::add_show(app, globals);
+    cli::add_common_footer(app);
     app.footer("Each command has a --help of its own.");
     try {
         app.parse(argc, argv);
