@@ -3,13 +3,25 @@
 
 #include "device/native_entry.h"
 #include "device/native_tables.h"
+#include "ostore/store_error.h"
 #include "ostore/transaction.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 #include <utility>
 
 namespace device {
+
+/// Does work on the native data of a transaction; the damage that it meets is told as its store's: by a store_error.
+template <class Work> auto naming_store(const ostore::transaction &txn, Work &&work)
+{
+    try {
+        return work();
+    } catch (const damaged_record &damage) {
+        throw ostore::store_error(ostore::store_fault::damaged, "store " + txn.store().file() + ": " + damage.what());
+    }
+}
 
 /// One port without its slices. All of it points into the store, and lives as long as the transaction.
 struct ots_port {

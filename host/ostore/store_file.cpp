@@ -91,7 +91,7 @@ void store_file::reserve_lock_file(std::size_t size) const
 {
     const int descriptor = open_file(path_ + "-lock", true);
     if (descriptor < 0)
-        return; /* LMDB meets the same and says so */
+        throw_store_error(name_ + "-lock", "open", errno); /* LMDB would meet the same and name the store */
     const int code = posix_fallocate(descriptor, 0, static_cast<off_t>(size));
     ::close(descriptor);
     check_store(name_, "reserve its lock file", code);

@@ -26,13 +26,14 @@ bool can_carry_monitor(const plugin &mapper, const std::string &interface)
 std::set<std::string> configured_interfaces(const plugin &mapper, const ostore::transaction &txn)
 {
     std::set<std::string> interfaces;
-    device::native_reader(txn).each_interface([&](std::string_view entry) {
+    const auto take = [&](std::string_view entry) {
         const auto leaves = device::leaves_of(entry);
         const std::string name(device::key_leaf(leaves, device::native_tag::interface_name));
         if (device::key_leaf(leaves, device::native_tag::active) == configured_activity &&
             can_carry_monitor(mapper, name))
             interfaces.insert(name);
-    });
+    };
+    device::naming_store(txn, [&] { device::native_reader(txn).each_interface(take); });
     return interfaces;
 }
 

@@ -55,8 +55,10 @@ entry_change &change_of(std::vector<entry_change> &changes, std::string_view act
             return known;
     }
     std::optional<std::string> stored;
-    if (const auto entry = device::native_reader(txn).interface(active, interface))
-        stored = std::string(*entry);
+    device::naming_store(txn, [&] {
+        if (const auto entry = device::native_reader(txn).interface(active, interface))
+            stored = std::string(*entry);
+    });
     return changes.emplace_back(entry_change{std::string(active), std::string(interface), stored, stored});
 }
 

@@ -9,7 +9,8 @@ std::string native_document(const device::folder &device, native_parts parts, do
 {
     const ostore::read_transaction state(device.database());
     framework::arena memory;
-    const dtf_datatree native = fetch_all(device::native_reader(state), parts, memory);
+    const dtf_datatree native =
+        device::naming_store(state, [&] { return fetch_all(device::native_reader(state), parts, memory); });
     std::string text = write_document(native, format);
     if (!children_of(native).empty())
         judge_native(native, text, format, device.database().file());

@@ -51,7 +51,8 @@ dtf_datatree read(const plugin &mapper, const ostore::transaction &state, const 
     cost.plan = watch.lap();
 
     const ostore::read_counts before = state.counts();
-    const dtf_datatree native = fetch_native(device::native_reader(state), wishes, memory);
+    const dtf_datatree native =
+        device::naming_store(state, [&] { return fetch_native(device::native_reader(state), wishes, memory); });
     cost.records = state.counts().records - before.records;
     cost.bytes = state.counts().bytes - before.bytes;
     cost.fetch = watch.lap();
