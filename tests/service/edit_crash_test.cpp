@@ -5,18 +5,89 @@
  * of two states is another number, and so is the state that an acknowledged edit is missing from.
  */
 #include "edit_device.h"
-#include "failing_calls.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
-#include <cstdlib>
+#include <dlfcn.h>
+#include <fcntl.h>
 #include <functional>
 #include <random>
 #include <sys/mman.h>
+#include <sys/uio.h>
 #include <sys/wait.h>
 #include <unistd.h>
+
+/* Calls by which a store reaches its disk, found before libc's; one of them fails, and all that follow if `lasting`. */
+namespace failing {
+
+/* An error with an errno, a write of half of its bytes, or the process's end before the call. */
+enum class how { io_error, no_space, half, death };
+
+unsigned chosen = 0, made = 0; /* calls, from 1; 0: none is to fail */
+how manner = how::io_error;
+bool lasting = false;
+
+/* Counts a call, and ends the process where this is the one to die at. */
+bool fails()
+{
+    if (chosen == 0 || ++made < chosen || (made > chosen && !lasting))
+        return false;
+    if (manner == how::death)
+        ::raise(SIGKILL);
+    errno = manner == how::no_space ? ENOSPC : EIO;
+    return true;
+}
+
+template <typename function> function real(const char *name)
+{
+    return reinterpret_cast<function>(::dlsym(RTLD_NEXT, name));
+}
+
+/* A write that may fail or write a half of what it should. */
+template <typename writing> ssize_t write_some(std::size_t size, const writing &write)
+{
+    if (!fails())
+        return write(size);
+    return manner == how::half && size > 1 ? write(size / 2) : -1;
+}
+
+} // namespace failing
+
+extern "C" {
+
+ssize_t pwrite(int file, const void *bytes, std::size_t size, off_t at)
+{
+    static const auto real = failing::real<ssize_t (*)(int, const void *, std::size_t, off_t)>("pwrite");
+    return failing::write_some(size, [&](std::size_t part) { return real(file, bytes, part, at); });
+}
+
+/* A half is the first of its blocks here. */
+ssize_t writev(int file, const iovec *blocks, int count)
+{
+    static const auto real = failing::real<ssize_t (*)(int, const iovec *, int)>("writev");
+    const auto whole = static_cast<std::size_t>(count);
+    return failing::write_some(whole, [&](std::size_t part) { return real(file, blocks, static_cast<int>(part)); });
+}
+
+int fdatasync(int file)
+{
+    static const auto real = failing::real<int (*)(int)>("fdatasync");
+    return failing::fails() ? -1 : real(file);
+}
+
+int fsync(int file)
+{
+    static const auto real = failing::real<int (*)(int)>("fsync");
+    return failing::fails() ? -1 : real(file);
+}
+
+int posix_fallocate(int file, off_t at, off_t size)
+{
+    static const auto real = failing::real<int (*)(int, off_t, off_t)>("posix_fallocate");
+    return failing::fails() ? errno : real(file, at, size);
+}
+}
 
 namespace {
 
@@ -94,19 +165,14 @@ class crash : public testing::Test
     edits::records foreign_;
 };
 
-/* How often the editing process is killed: more for a soak. */
-int kills()
-{
-    const char *const wanted = std::getenv("CHMON_KILLS");
-    return wanted == nullptr ? 100 : std::atoi(wanted);
-}
-
 TEST_F(crash, killed_at_any_moment_the_store_is_old_or_new)
 {
+    const char *const wanted = std::getenv("CHMON_KILLS"); /* more for a soak */
+    const int kills = wanted == nullptr ? 100 : std::atoi(wanted);
     std::mt19937 random(1);
     std::uniform_int_distribution<int> delay(0, 20000); /* microseconds */
     unsigned before = state(), mid_edit = 0, acknowledged = 0;
-    for (int round = 0; round < kills(); ++round) {
+    for (int round = 0; round < kills; ++round) {
         int ends[2];
         ASSERT_EQ(::pipe(ends), 0);
         const pid_t editor = start([&] {
@@ -137,44 +203,35 @@ TEST_F(crash, killed_at_any_moment_the_store_is_old_or_new)
         acknowledged += done;
         before = now;
     }
-    std::printf("kills=%d acknowledged=%u committed_unacknowledged=%u\n", kills(), acknowledged, mid_edit);
+    std::printf("kills=%d acknowledged=%u committed_unacknowledged=%u\n", kills, acknowledged, mid_edit);
 }
 
 TEST_F(crash, writers_take_turns_and_readers_see_one_state)
 {
     constexpr int rounds = 40;
     /* Writer w configures and removes the two monitors of slot w + 1 in one edit each. */
-    const auto writer = [&](std::size_t slot) {
-        return start([this, slot] {
+    std::vector<pid_t> processes;
+    for (std::size_t slot = 0; slot < 3; ++slot) {
+        processes.push_back(start([this, slot] {
             const service::plugin mapper;
             device::folder device = device::folder::open(path_);
             const temporary_folder own;
             for (int round = 0; round < rounds; ++round) {
-                const std::string operation = round % 2 == 0 ? "create" : "delete";
-                const std::string attribute = " nc:operation=\"" + operation + "\"";
-                const auto changes =
-                    edits::edit(mapper, device, own.path,
-                                edits::document(entry(2 * slot, attribute) + entry(2 * slot + 1, attribute)));
-                if (changes.size() != 2)
-                    throw std::runtime_error("an edit made " + std::to_string(changes.size()) + " changes");
+                const std::string attribute = round % 2 == 0 ? " nc:operation='create'" : " nc:operation='delete'";
+                const std::string both = entry(2 * slot, attribute) + entry(2 * slot + 1, attribute);
+                if (edits::edit(mapper, device, own.path, edits::document(both)).size() != 2)
+                    throw std::runtime_error("an edit did not make two changes");
             }
-        });
-    };
-    const auto reader = [&] {
-        return start([this] {
+        }));
+        processes.push_back(start([this] {
             device::folder device = device::folder::open(path_);
             for (int look = 0; look < 500; ++look) {
                 const unsigned state = state_of(edits::stored(device));
                 if ((state & 0b010101) != (state >> 1 & 0b010101))
                     throw std::runtime_error("half an edit was seen");
             }
-        });
-    };
-    std::vector<pid_t> processes;
-    for (std::size_t slot = 0; slot < 3; ++slot)
-        processes.push_back(writer(slot));
-    for (int n = 0; n < 3; ++n)
-        processes.push_back(reader());
+        }));
+    }
     for (const pid_t process : processes)
         EXPECT_EQ(finish(process), 0);
     EXPECT_EQ(state(), 0U) << "every create was followed by a delete";
@@ -221,7 +278,7 @@ TEST_F(crash, every_call_to_the_disk_fails)
         const unsigned before = found(), next = (before + 1) % states;
         const pid_t editor = start([&] {
             const service::plugin mapper;
-            failing::arm(at, manner, on);
+            failing::chosen = at, failing::manner = manner, failing::lasting = on;
             int status = 0;
             try {
                 device::folder device = device::folder::open(path_);
@@ -234,7 +291,7 @@ TEST_F(crash, every_call_to_the_disk_fails)
             } catch (const ostore::store_error &) {
                 status = 42;
             }
-            calls = failing::calls();
+            calls = failing::made;
             ::_exit(status);
         });
         const int status = finish(editor);

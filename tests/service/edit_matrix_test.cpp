@@ -6,134 +6,126 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <set>
 
 namespace {
 
-/* A node of an edit: its operation (empty: none of its own) and what is below it. */
-struct node {
-    std::string path;
-    std::string operation;
-    std::vector<node> children;
+/* A node of an edit as it is written: its path in the reference, its tag, and what stands in it at least. */
+struct place {
+    std::string path, tag, content;
 };
 
-struct refusal {
-    std::string tag;
-    std::string path;
+/* An edit is one way down from the top: the places on it, each with its operation (empty: none of its own). */
+struct step : place {
+    std::string operation;
 };
+using edit_path = std::vector<step>;
+
+constexpr const char *name = "0/1-CHMON-BST";
+const std::vector<std::vector<place>> levels = {
+    {{"m", "channel-monitors", ""}},
+    {{"m/X", "channel-monitor", std::string("<name>") + name + "</name>"}},
+    {{"m/X/config", "config", ""}},
+    {{"m/X/config/name", "name", name}, {"m/X/config/monitor-port", "monitor-port", "0/1-OtsCtrl-0/0"}}};
+
+/* All edits: down to any level, with any operation on each. */
+std::vector<edit_path> all_edits()
+{
+    std::vector<edit_path> all, last{{}};
+    for (const std::vector<place> &level : levels) {
+        std::vector<edit_path> longer;
+        for (const edit_path &above : last)
+            for (const place &at : level)
+                for (const char *const operation : {"", "merge", "replace", "create", "delete", "remove"}) {
+                    longer.push_back(above);
+                    longer.back().push_back({at, operation});
+                }
+        all.insert(all.end(), longer.begin(), longer.end());
+        last = std::move(longer);
+    }
+    return all;
+}
+
+std::string xml_of(const edit_path &edit)
+{
+    std::string below;
+    for (std::size_t n = edit.size(); n-- > 0;) {
+        const std::string &own = edit[n].operation, &tag = edit[n].tag;
+        const std::string attribute = own.empty() ? "" : " nc:operation=\"" + own + "\"";
+        below = n == 0 ? edits::document(below, attribute)
+                       : "<" + tag + attribute + ">" + edit[n].content + below + "</" + tag + ">";
+    }
+    return below;
+}
+
+/* The datastore as the set of paths that are there; a path's subtree begins with it and "/". */
+using datastore = std::set<std::string>;
+
+bool has(const datastore &data, const std::string &path)
+{
+    const auto at = data.lower_bound(path);
+    return at != data.end() && (*at == path || at->starts_with(path + "/"));
+}
+
+void erase(datastore &data, const std::string &path)
+{
+    std::erase_if(data, [&](const std::string &each) { return each == path || each.starts_with(path + "/"); });
+}
 
 bool removes(const std::string &operation) { return operation == "delete" || operation == "remove"; }
 
-/* The datastore as the set of paths that are there; a path's subtree begins with it and "/". */
-class datastore
-{
-  public:
-    explicit datastore(std::set<std::string> paths) : paths_(std::move(paths)) {}
-
-    bool has(const std::string &path) const
-    {
-        const auto at = paths_.lower_bound(path);
-        return at != paths_.end() && (*at == path || at->starts_with(path + "/"));
-    }
-
-    void erase(const std::string &path)
-    {
-        std::erase_if(paths_, [&](const std::string &each) { return each == path || each.starts_with(path + "/"); });
-    }
-
-    void apply(const node &at, const std::string &inherited)
-    {
-        const std::string operation = at.operation.empty() ? inherited : at.operation;
-        const bool is_top = at.path == "m", is_entry = at.path == "m/X";
-        if (operation == "create" && has(at.path))
-            throw refusal{"data-exists", at.path};
-        if ((operation == "delete" || (operation == "none" && !is_top)) && !has(at.path))
-            throw refusal{"data-missing", at.path};
-        if (removes(operation)) {
-            /* Parts of a monitor are there as long as it is. */
-            if (!is_top && !is_entry && has(at.path))
-                throw refusal{"operation-not-supported", at.path};
-            for (const node &child : at.children) {
-                if (!child.operation.empty() && !removes(child.operation))
-                    throw refusal{"bad-attribute", child.path};
-            }
-            return erase(at.path);
-        }
-        if (operation == "replace")
-            erase(at.path);
-        if (operation != "none")
-            paths_.insert(at.path);
-        for (const node &child : at.children)
-            apply(child, operation);
-    }
-
-  private:
-    std::set<std::string> paths_;
+struct refusal {
+    std::string tag, path;
 };
 
 /* What the mapping refuses before the operations are looked at: content listed below a container that goes. */
-void refuse_listed_content(const node &at, const std::string &inherited)
+void refuse_listed_content(const edit_path &edit)
 {
-    const std::string operation = at.operation.empty() ? inherited : at.operation;
-    const bool is_list_entry = at.path == "m/X";
-    if (removes(operation) && !at.children.empty() && !is_list_entry)
-        throw refusal{"operation-not-supported", at.path};
-    for (const node &child : at.children)
-        refuse_listed_content(child, operation);
-}
-
-constexpr const char *name = "0/1-CHMON-BST";
-const std::vector<std::string> operations = {"", "merge", "replace", "create", "delete", "remove"};
-
-std::string attribute(const node &of) { return of.operation.empty() ? "" : " nc:operation=\"" + of.operation + "\""; }
-
-std::string xml_of(const node &top)
-{
-    std::string entries;
-    for (const node &entry : top.children) {
-        std::string inside;
-        for (const node &config : entry.children) {
-            std::string leaves;
-            for (const node &leaf : config.children) {
-                const std::string tag = leaf.path.substr(leaf.path.rfind('/') + 1);
-                leaves +=
-                    "<" + tag + attribute(leaf) + ">" + (tag == "name" ? name : "0/1-OtsCtrl-0/0") + "</" + tag + ">";
-            }
-            inside += "<config" + attribute(config) + ">" + leaves + "</config>";
-        }
-        entries += "<channel-monitor" + attribute(entry) + "><name>" + name + "</name>" + inside + "</channel-monitor>";
+    bool goes = false;
+    for (std::size_t n = 0; n + 1 < edit.size(); ++n) {
+        goes = edit[n].operation.empty() ? goes : removes(edit[n].operation);
+        if (goes && n != 1)
+            throw refusal{"operation-not-supported", edit[n].path};
     }
-    return edits::document(entries, attribute(top));
 }
 
-/* The reference's paths in the terms of the answer. */
-std::string answered(const std::string &path)
+void apply(const edit_path &edit, std::string operation, datastore &data)
 {
-    return path == "m" ? "/channel-monitors"
-                       : std::string("/channel-monitors/channel-monitor[name='") + name + "']" + path.substr(3);
-}
-
-const char *const leaf_paths[] = {"m/X/config/name", "m/X/config/monitor-port"};
-
-/* All edits: an operation on the top, on the entry, on config or no config, and on one, the other or no leaf. */
-std::vector<node> all_edits()
-{
-    std::vector<node> all;
-    for (const std::string &top : operations) {
-        all.push_back({"m", top, {}});
-        for (const std::string &entry : operations) {
-            all.push_back({"m", top, {{"m/X", entry, {}}}});
-            for (const std::string &config : operations) {
-                all.push_back({"m", top, {{"m/X", entry, {{"m/X/config", config, {}}}}}});
-                for (const std::string &leaf : operations) {
-                    for (const char *const path : leaf_paths)
-                        all.push_back({"m", top, {{"m/X", entry, {{"m/X/config", config, {{path, leaf, {}}}}}}}});
-                }
-            }
+    for (std::size_t n = 0; n < edit.size(); ++n) {
+        const std::string &path = edit[n].path;
+        operation = edit[n].operation.empty() ? operation : edit[n].operation;
+        if (operation == "create" && has(data, path))
+            throw refusal{"data-exists", path};
+        if ((operation == "delete" || (operation == "none" && n > 0)) && !has(data, path))
+            throw refusal{"data-missing", path};
+        if (removes(operation)) {
+            /* Parts of a monitor are there as long as it is. */
+            if (n > 1 && has(data, path))
+                throw refusal{"operation-not-supported", path};
+            if (n + 1 < edit.size() && !edit[n + 1].operation.empty() && !removes(edit[n + 1].operation))
+                throw refusal{"bad-attribute", edit[n + 1].path};
+            return erase(data, path);
         }
+        if (operation == "replace")
+            erase(data, path);
+        if (operation != "none")
+            data.insert(path);
     }
-    return all;
+}
+
+/* "ok" and `data` as it is then, or the refusal in the terms of the answer. */
+std::string judge(const edit_path &edit, const std::string &otherwise, datastore &data)
+{
+    datastore after = data;
+    try {
+        refuse_listed_content(edit);
+        apply(edit, otherwise, after);
+    } catch (const refusal &refused) {
+        const std::string entry = std::string("/channel-monitor[name='") + name + "']";
+        return refused.tag + " /channel-monitors" + (refused.path == "m" ? "" : entry + refused.path.substr(3));
+    }
+    data = after;
+    return "ok";
 }
 
 class matrix : public testing::Test
@@ -162,9 +154,9 @@ class matrix : public testing::Test
     edits::records as_in(const datastore &data) const
     {
         edits::records wanted = all_;
-        if (!data.has("m/X"))
+        if (!has(data, "m/X"))
             wanted.erase(device::interface_key("act", edits::controllers[0]));
-        if (!data.has("m/other"))
+        if (!has(data, "m/other"))
             wanted.erase(device::interface_key("act", edits::controllers[3]));
         return wanted;
     }
@@ -180,20 +172,6 @@ class matrix : public testing::Test
         }
     }
 
-    /* The same by the reference, which changes `data` unless it refuses. */
-    static std::string judge(const node &edit, const std::string &otherwise, datastore &data)
-    {
-        datastore after = data;
-        try {
-            refuse_listed_content(edit, "");
-            after.apply(edit, otherwise);
-        } catch (const refusal &refused) {
-            return refused.tag + " " + answered(refused.path);
-        }
-        data = after;
-        return "ok";
-    }
-
     temporary_folder folder_;
     device::folder device_ = device::folder::create(folder_.path / "device");
     service::plugin mapper_;
@@ -205,11 +183,11 @@ TEST_F(matrix, operations_on_all_levels)
     int cases = 0, changed = 0;
     for (const bool there : {false, true}) {
         configure(there);
-        const datastore found(there ? std::set<std::string>{"m/other", "m/X", leaf_paths[0], leaf_paths[1]}
-                                    : std::set<std::string>{"m/other"});
+        const datastore found =
+            there ? datastore{"m/other", "m/X", levels[3][0].path, levels[3][1].path} : datastore{"m/other"};
         for (const std::string otherwise : {"merge", "replace", "none"}) {
-            for (const node &edit : all_edits()) {
-                if (!edit.operation.empty() && otherwise != "merge")
+            for (const edit_path &edit : all_edits()) {
+                if (!edit[0].operation.empty() && otherwise != "merge")
                     continue; /* the default operation reaches no node */
                 const std::string text = xml_of(edit);
                 SCOPED_TRACE((there ? "configured, " : "absent, ") + otherwise + ", " + text);
