@@ -93,9 +93,17 @@ monitor_edit read_monitor(const place &entry)
 
 std::string monitor_path(const std::string &name)
 {
-    /* XPath literals have no escapes: the other kind of quotes where the name holds the usual one. */
-    const char quote = name.find('\'') == std::string::npos ? '\'' : '"';
-    return std::string(monitors_path) + "/channel-monitor[name=" + quote + name + quote + "]";
+    /* XPath literals have no escapes: the other kind of quotes where the name holds the usual one, pieces for both. */
+    const std::string path = std::string(monitors_path) + "/channel-monitor[name=";
+    const bool has_apostrophe = name.find('\'') != std::string::npos;
+    if (!has_apostrophe || name.find('"') == std::string::npos) {
+        const char quote = has_apostrophe ? '"' : '\'';
+        return path + quote + name + quote + "]";
+    }
+    std::string pieces;
+    for (const char c : name)
+        pieces += c == '\'' ? std::string("', \"'\", '") : std::string(1, c);
+    return path + "concat('" + pieces + "')]";
 }
 
 edit_request read_edit(const dtf_datatree &monitors)
