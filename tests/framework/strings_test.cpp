@@ -1,53 +1,12 @@
 /* Bounded copies against a reference, with both ends of the destination guarded by pages that cannot be touched. */
 #include "dtf.h"
+#include "guarded_page.h"
 
 #include <gtest/gtest.h>
 
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include <cstring>
 #include <string>
-#include <string_view>
 
 namespace {
-
-/* One page whose end is followed by memory that faults. */
-class guarded_page
-{
-  public:
-    guarded_page() : size_(static_cast<std::size_t>(sysconf(_SC_PAGESIZE)))
-    {
-        base_ =
-            static_cast<char *>(mmap(nullptr, 2 * size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        mprotect(base_ + size_, size_, PROT_NONE);
-    }
-    guarded_page(const guarded_page &) = delete;
-    guarded_page &operator=(const guarded_page &) = delete;
-    ~guarded_page() { munmap(base_, 2 * size_); }
-
-    /* The last `size` bytes, filled with a pattern without terminator. */
-    char *last(std::size_t size)
-    {
-        std::memset(base_, '#', size_);
-        return base_ + size_ - size;
-    }
-
-  private:
-    std::size_t size_;
-    char *base_;
-};
-
-struct expectation {
-    std::string text;
-    bool cut;
-};
-
-expectation bounded(std::string_view head, std::string_view tail, std::size_t size)
-{
-    const std::string whole = std::string(head) + std::string(tail);
-    return {whole.substr(0, size - 1), whole.size() > size - 1};
-}
 
 TEST(strings, copies_and_appends_keep_what_fits)
 {
@@ -58,24 +17,22 @@ TEST(strings, copies_and_appends_keep_what_fits)
         for (std::size_t length = 0; length <= 11; ++length) {
             char *const source = from.last(length + 1);
             source[length] = '\0';
-            const std::string_view text(source, length);
-            const auto check = [&](int result, const char *destination, const expectation &wanted) {
-                EXPECT_EQ(destination, wanted.text);
-                EXPECT_EQ(result != 0, wanted.cut) << size << " " << length;
+            const std::string text(source, length);
+            const auto check = [&](int result, const char *destination, const std::string &whole) {
+                EXPECT_EQ(destination, whole.substr(0, size - 1));
+                EXPECT_EQ(result != 0, whole.size() > size - 1) << size << " " << length;
                 ++cases;
             };
             char *destination = to.last(size);
-            check(dtf_strcpy_s("test", destination, size, source), destination, bounded("", text, size));
+            check(dtf_strcpy_s("test", destination, size, source), destination, text);
             for (std::size_t count = 0; count <= 12; ++count) {
                 destination = to.last(size);
-                check(dtf_strncpy_s("test", destination, size, source, count), destination,
-                      bounded("", text.substr(0, count), size));
+                check(dtf_strncpy_s("test", destination, size, source, count), destination, text.substr(0, count));
             }
             for (std::size_t there = 0; there < size; ++there) {
                 destination = to.last(size);
                 destination[there] = '\0';
-                check(dtf_strcat_s("test", destination, size, source), destination,
-                      bounded(std::string(there, '#'), text, size));
+                check(dtf_strcat_s("test", destination, size, source), destination, std::string(there, '#') + text);
             }
         }
     }
