@@ -1,7 +1,11 @@
 /* Documents that are refused, and what the message says. */
 #include "tree_text.h"
 
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <thread>
+#include <unistd.h>
 
 using namespace framework;
 
@@ -100,6 +104,47 @@ TEST(refused_documents, say_what_and_where)
             << "document: " << row.document << "\nwanted:   " << row.message << "\ngot:      " << result;
         EXPECT_TRUE(result.starts_with("error: doc:")) << result;
     }
+}
+
+/* A document's text, or the message of the refusal. */
+std::string read_or_refused(const std::string &path, std::size_t limit)
+{
+    try {
+        return std::string(read_document_text(path, limit).view());
+    } catch (const std::runtime_error &error) {
+        return error.what();
+    }
+}
+
+/* A pipe has no size to go by, so the buffer grows; and over the limit reading stops. */
+TEST(refused_documents, are_too_large_or_cannot_be_read)
+{
+    const std::filesystem::path folder(testing::TempDir());
+    const std::string document = "<a>" + std::string(500'000, 'x') + "</a>";
+    const std::string file = folder / ("document." + std::to_string(::getpid()));
+    std::ofstream(file) << document;
+    for (const std::size_t limit : {document.size(), document.size() - 1}) {
+        int ends[2] = {};
+        ASSERT_EQ(::pipe(ends), 0);
+        const std::string pipe = "/dev/fd/" + std::to_string(ends[0]);
+        std::thread writer([&] {
+            EXPECT_EQ(::write(ends[1], document.data(), document.size()), static_cast<ssize_t>(document.size()));
+            ::close(ends[1]);
+        });
+        for (const std::string &source : {pipe, file})
+            EXPECT_EQ(read_or_refused(source, limit),
+                      limit == document.size()
+                          ? document
+                          : source + ": document is larger than the limit of " + std::to_string(limit) + " bytes");
+        char rest[4096];
+        while (::read(ends[0], rest, sizeof rest) > 0) {
+        }
+        writer.join();
+        ::close(ends[0]);
+    }
+    std::filesystem::remove(file);
+    EXPECT_EQ(read_or_refused(folder, 1), folder.string() + ": cannot read: it is a directory");
+    EXPECT_EQ(read_or_refused(file, 1), file + ": cannot read: No such file or directory");
 }
 
 } // namespace

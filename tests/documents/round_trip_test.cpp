@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 #include <iostream>
 #include <iterator>
+#include <pthread.h>
 #include <random>
+#include <thread>
 #include <vector>
 
 using namespace framework;
@@ -107,56 +109,39 @@ TEST(documents, both_encodings_are_one_tree)
     }
 }
 
-/* A random tree with texts and names that need care. Runs of one name stand together, as JSON has them. */
-class random_trees
+/* Random nodes with texts and names that need care. Runs of one name stand together, as JSON has them. */
+void fill(std::mt19937 &random, arena &memory, dtf_datatree &parent, int level, bool with_operations)
 {
-  public:
-    explicit random_trees(unsigned seed) : random_(seed) {}
-
-    dtf_datatree make(arena &memory, bool with_operations)
-    {
-        dtf_datatree root = {};
-        root.flags = DTF_FLAG_VALID;
-        fill(memory, root, 0, with_operations);
-        inherit_operations(root);
-        return root;
-    }
-
-  private:
-    std::size_t below(std::size_t limit) { return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random_); }
-
-    void fill(arena &memory, dtf_datatree &parent, int level, bool with_operations)
-    {
-        static constexpr const char *tags[] = {
-            "channel-monitors",         "channel-monitor",  "name", "mtu", "config", "a.b", "_c",
-            "interface-configurations", "\xc3\xa9t\xc3\xa9"};
-        static constexpr const char *namespaces[] = {"http://openconfig.net/yang/channel-monitor",
-                                                     "urn:vantra:talin:ifmgr-cfg", "foreign", "urn:a&b\"<c>"};
-        static constexpr const char *values[] = {"1",   "-0.5e+3", "01",    "true",   "null",
-                                                 " ",   "\t x\n",  "\"\\/", "<&>]]>", "\xf0\x9f\x98\x80",
-                                                 "a b", "&amp;",   "1e",    "-",      "\x7f"};
-        const std::size_t first = below(std::size(tags));
-        for (std::size_t t = 0; t < std::size(tags); ++t) {
-            const char *const ns = level > 0 && below(4) > 0 ? parent.ns : namespaces[below(std::size(namespaces))];
-            const bool leaves = level > 2 || below(2) == 0;
-            for (std::size_t count = below(level == 0 ? 2 : 4) == 0 ? 1 + below(3) : 0; count > 0; --count) {
-                dtf_datatree &node = add_child(memory, parent);
-                node.tag = tags[(first + t) % std::size(tags)];
-                node.ns = ns;
-                if (with_operations && below(3) == 0)
-                    set_operation(node, static_cast<std::uint32_t>(below(5)));
-                if (leaves && below(3) > 0) {
-                    node.value = values[below(std::size(values))];
-                    node.flags |= DTF_FLAG_HAS_VALUE;
-                } else if (!leaves) {
-                    fill(memory, node, level + 1, with_operations);
-                }
+    const auto below = [&](std::size_t limit) {
+        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+    };
+    static constexpr const char *tags[] = {
+        "channel-monitors",         "channel-monitor",  "name", "mtu", "config", "a.b", "_c",
+        "interface-configurations", "\xc3\xa9t\xc3\xa9"};
+    static constexpr const char *namespaces[] = {"http://openconfig.net/yang/channel-monitor",
+                                                 "urn:vantra:talin:ifmgr-cfg", "foreign", "urn:a&b\"<c>"};
+    static constexpr const char *values[] = {"1",   "-0.5e+3", "01",    "true",   "null",
+                                             " ",   "\t x\n",  "\"\\/", "<&>]]>", "\xf0\x9f\x98\x80",
+                                             "a b", "&amp;",   "1e",    "-",      "\x7f"};
+    const std::size_t first = below(std::size(tags));
+    for (std::size_t t = 0; t < std::size(tags); ++t) {
+        const char *const ns = level > 0 && below(4) > 0 ? parent.ns : namespaces[below(std::size(namespaces))];
+        const bool leaves = level > 2 || below(2) == 0;
+        for (std::size_t count = below(level == 0 ? 2 : 4) == 0 ? 1 + below(3) : 0; count > 0; --count) {
+            dtf_datatree &node = add_child(memory, parent);
+            node.tag = tags[(first + t) % std::size(tags)];
+            node.ns = ns;
+            if (with_operations && below(3) == 0)
+                set_operation(node, static_cast<std::uint32_t>(below(5)));
+            if (leaves && below(3) > 0) {
+                node.value = values[below(std::size(values))];
+                node.flags |= DTF_FLAG_HAS_VALUE;
+            } else if (!leaves) {
+                fill(random, memory, node, level + 1, with_operations);
             }
         }
     }
-
-    std::mt19937 random_;
-};
+}
 
 TEST(documents, random_trees_survive_both_encodings)
 {
@@ -165,13 +150,53 @@ TEST(documents, random_trees_survive_both_encodings)
     for (unsigned seed = 0; seed < trees && !HasFailure(); ++seed) {
         arena memory;
         const bool edit = seed % 2 == 0;
-        const dtf_datatree root = random_trees(seed).make(memory, edit);
+        dtf_datatree root = {};
+        root.flags = DTF_FLAG_VALID;
+        std::mt19937 random(seed);
+        fill(random, memory, root, 0, edit);
+        inherit_operations(root);
         expect_round_trips(root, edit ? document_use::edit : document_use::read, "seed " + std::to_string(seed));
         const std::string text = tree_text(root);
         nodes += static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
     }
     std::cout << trees << " trees, " << nodes << " nodes\n";
     EXPECT_GT(nodes, 10000u);
+}
+
+/* Deep documents on a stack of 256 KiB, as a thread of a server may have it. */
+TEST(documents, up_to_500_levels_come_back_and_more_are_refused)
+{
+    pthread_attr_t small = {};
+    ASSERT_EQ(pthread_attr_init(&small), 0);
+    ASSERT_EQ(pthread_attr_setstacksize(&small, std::size_t{256} << 10), 0);
+    ASSERT_EQ(pthread_setattr_default_np(&small), 0);
+    const auto repeated = [](const std::string &text, std::size_t times) {
+        std::string all;
+        for (; times > 0; --times)
+            all += text;
+        return all;
+    };
+    std::thread([&] {
+        for (const std::size_t levels : {std::size_t{500}, std::size_t{501}, std::size_t{100'000}}) {
+            const std::string xml = "<a xmlns='m'>" + repeated("<a>", levels - 1) + repeated("</a>", levels);
+            const std::string json = "{\"m:a\":" + repeated("[{\"a\":", levels - 1) + "{}" + repeated("}]", levels - 1);
+            for (const std::string &document : {xml, json + "}"}) {
+                if (levels > 500) {
+                    EXPECT_EQ(parsed(document, document_use::edit),
+                              "error: doc: /a: elements are nested deeper than the limit of 500 levels");
+                    continue;
+                }
+                arena memory;
+                std::string as_json, as_xml;
+                write_json(as_json, parse_document(make_document_text(document, "doc"), memory));
+                write_xml(as_xml, parse_document(make_document_text(as_json, "doc"), memory), {false, {}});
+                EXPECT_EQ(as_xml, "<a xmlns=\"m\">" + repeated("<a>", 498) + "<a/>" + repeated("</a>", 499));
+            }
+        }
+        /* Not even well-formed, in ways of their own. */
+        for (const auto *const piece : {"<a>", "[", "{\"m:a\":", "{\"m:a\":[", "{\"m:a\":{\"@\":"})
+            EXPECT_TRUE(parsed(repeated(piece, 100'000), document_use::edit).starts_with("error: doc")) << piece;
+    }).join();
 }
 
 TEST(documents, members_of_one_name_are_put_together)
