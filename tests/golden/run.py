@@ -92,32 +92,22 @@ def run_case(program, folder, write):
         for line in commands:
             code, printed, complaint = run_line(program, line, pathlib.Path(name), subprocess.PIPE)
             output, error, status = output + printed, error + steady(complaint), status + [code]
-    faults = []
-    if read(folder / "expected") != output:
-        faults.append(difference("output", read(folder / "expected"), output))
-    if read(folder / "expected-error") != error:
-        faults.append(difference("error", read(folder / "expected-error"), error))
-    if status != wanted_status:
-        faults.append(f"status wanted {wanted_status}, got {status}\n")
+    faults = "" if status == wanted_status else f"status wanted {wanted_status}, got {status}\n"
+    for file, got in (("expected", output), ("expected-error", error)):
+        faults += difference(file, read(folder / file), got)
     if faults and write:
         for file, text in (("expected", output), ("expected-error", error), ("status", " ".join(map(str, status)) + "\n")):
             empty = not any(status) if file == "status" else not text
             (folder / file).unlink(missing_ok=True) if empty else (folder / file).write_text(text)
-    return "".join(faults)
+    return faults
 
 
 def document_blocks(path):
     """The document's worked examples: pairs of line number and lines."""
-    block, start = None, 0
-    for number, line in enumerate(path.read_text().splitlines(), 1):
-        if block is not None and line.startswith("```"):
-            if block and block[0].startswith("$ "):
-                yield start, block
-            block = None
-        elif block is not None:
-            block.append(line)
-        elif line.startswith("```"):
-            block, start = [], number + 1
+    text = path.read_text()
+    for block in re.finditer(r"^```.*\n((?:.*\n)*?)```", text, re.MULTILINE):
+        if block[1].startswith("$ "):
+            yield text.count("\n", 0, block.start(1)) + 1, block[1].splitlines()
 
 
 def block_matches(wanted, got):
@@ -131,38 +121,33 @@ def run_block(program, block, scratch):
     starts = [i for i, line in enumerate(block) if line.startswith("$ ")] + [len(block)]
     for start, end in zip(starts, starts[1:]):
         line, wanted = block[start][2:], block[start + 1 : end]
-        words = line.split()
-        if words[0] == "cat" and len(words) == 2 and not (scratch / words[1]).exists():
-            (scratch / words[1]).write_text("".join(text + "\n" for text in wanted))
+        program_name, _, rest = line.partition(" ")
+        if program_name == "cat" and not (scratch / rest).exists():
+            (scratch / rest).write_text("".join(text + "\n" for text in wanted))
             continue
-        if words[0] == "cat" and len(words) == 2:
-            got = (scratch / words[1]).read_text()
-        elif words[0] == "chmon":
-            _, got, _ = run_line(program, line[len("chmon") :], scratch, subprocess.STDOUT)
+        if program_name == "cat":
+            got = (scratch / rest).read_text()
+        elif program_name == "chmon":
+            _, got, _ = run_line(program, rest, scratch, subprocess.STDOUT)
         else:
-            yield line, "neither chmon nor cat FILE\n"
-            continue
+            got = "neither chmon nor cat FILE\n"
         wanted, got = steady("".join(text + "\n" for text in wanted)), steady(got)
         yield line, "" if block_matches(wanted.splitlines(), got.splitlines()) else difference("output", wanted, got)
 
 
-def run_document(program, path):
-    """Yields (place, what is wrong) of each worked example."""
-    with tempfile.TemporaryDirectory() as name:
-        scratch = pathlib.Path(name)
-        make_scratch(None, scratch)
-        for number, block in document_blocks(path):
-            for line, fault in run_block(program, block, scratch):
-                yield f"{path}:{number}: {line}", fault
-
-
 def results(program, places, write):
+    """Yields (place, what is wrong) of each case and of each worked example."""
     for place in places:
-        if place.suffix == ".md":
-            yield from run_document(program, place)
-        else:
+        if place.suffix != ".md":
             for command in sorted(place.rglob("command")):
                 yield str(command.parent), run_case(program, command.parent, write)
+            continue
+        with tempfile.TemporaryDirectory() as name:
+            scratch = pathlib.Path(name)
+            make_scratch(None, scratch)
+            for number, block in document_blocks(place):
+                for line, fault in run_block(program, block, scratch):
+                    yield f"{place}:{number}: {line}", fault
 
 
 def main():
