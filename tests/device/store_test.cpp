@@ -1,4 +1,6 @@
 // A device's store: what was loaded comes back, all of it or nothing, and no more is fetched than was asked for.
+#include "ostore/temporary_folder.h"
+
 #include "device/load.h"
 #include "device/native_reader.h"
 
@@ -69,13 +71,8 @@ std::vector<leaves> slices_of(const native_reader &reader, const ots_port &port)
 class store : public testing::Test
 {
   protected:
-    struct scratch {
-        std::filesystem::path path =
-            std::filesystem::path(testing::TempDir()) / ("device-" + std::to_string(::getpid()));
-        ~scratch() { std::filesystem::remove_all(path); }
-    };
-    scratch folder_;
-    folder device_ = folder::create(folder_.path);
+    temporary_folder folder_;
+    folder device_ = folder::create(folder_.path / "device");
 };
 
 TEST_F(store, gives_back_spectra_of_any_size_and_fetches_only_what_is_asked_for)
