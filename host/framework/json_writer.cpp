@@ -120,7 +120,7 @@ class ready_names
         if (*rest != '\0')
             return;
         slot.text[0] = '"';
-        std::memcpy(end, "\": ", 3);
+        std::copy_n("\": ", 3, end);
         slot.size = static_cast<std::size_t>(end - slot.text.data()) + (pretty_ ? 3 : 2);
     }
 

@@ -50,7 +50,7 @@ void add_interfaces(std::vector<interface_wish> &wishes, const dtf_datatree &int
     for (const dtf_datatree &entry : children_of(interfaces)) {
         interface_wish wish{leaf_value(entry, "active"), leaf_value(entry, "interface-name"), leaves_in(entry)};
         if (is(entry, "interface-configuration") && !wish.name.empty() && !wish.leaves.empty())
-            wishes.push_back(std::move(wish));
+            wishes.push_back(wish);
     }
 }
 
