@@ -1,7 +1,5 @@
 #include "arena.h"
 
-#include "block_pool.h"
-
 #include <algorithm>
 #include <utility>
 

@@ -1,7 +1,5 @@
 #include "big_block.h"
 
-#include "block_pool.h"
-
 #include <new>
 #include <sys/mman.h>
 #include <utility>

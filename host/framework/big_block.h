@@ -21,6 +21,15 @@ using memory_block = std::unique_ptr<std::byte[], block_deleter>;
  */
 memory_block allocate_block(std::size_t size);
 
+/*
+ * Blocks that one part of a request is done with, for the next part: memory touched once need not be cleared again.
+ * allocate_block() takes a block of that size, the largest of an arena, from those that this thread keeps.
+ */
+inline constexpr std::size_t pooled_block_size = std::size_t{8} << 20;
+
+/* Keeps a block of that size for this thread's next allocate_block(); frees it where some are kept already. */
+void pool_block(memory_block block);
+
 } // namespace framework
 
 #endif

@@ -1,6 +1,6 @@
 #include "xml_reader.h"
 
-#include "block_pool.h"
+#include "big_block.h"
 #include "edit_operations.h"
 #include "name_table.h"
 #include "tree_builder.h"
