@@ -8,6 +8,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace {
@@ -34,12 +35,29 @@ std::string one_line(std::string message)
     return "chmon: " + message;
 }
 
-/* What is wrong with the command line. An argument in the command's place is what is meant, not that none is there. */
+/* The library's wording of an option that is given twice, or without its value, said plainly. */
+std::string said_plainly(std::string message)
+{
+    constexpr std::string_view too_many = ": At Most 1 required ";
+    constexpr std::string_view too_few = ": 1 required ";
+    constexpr std::string_view missing = " missing";
+    if (const auto at = message.find(too_many); at != std::string::npos)
+        return message.substr(0, at) + " may be given only once";
+    if (const auto at = message.find(too_few); at != std::string::npos && message.ends_with(missing)) {
+        message.resize(message.size() - missing.size());
+        message.replace(at, too_few.size(), " is given without its ");
+    }
+    return message;
+}
+
+/* What is wrong with the command line. An argument in a command's place is what is meant, not that none is there. */
 std::string usage_error(const CLI::App *app, const CLI::Error &wrong)
 {
-    const auto left = app->remaining();
-    std::string message = wrong.what();
-    if (app->get_parent() == nullptr && app->get_subcommands().empty() && !left.empty())
+    const auto left = app->remaining(true);
+    std::string message = said_plainly(wrong.what());
+    while (!app->get_subcommands().empty())
+        app = app->get_subcommands().front();
+    if (app->get_require_subcommand_min() > 0 && !left.empty())
         message = (left.front().starts_with('-') ? "unknown option '" : "unknown command '") + left.front() + '\'';
     return one_line(std::move(message)) + "; see chmon --help\n";
 }

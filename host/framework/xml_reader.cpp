@@ -233,6 +233,11 @@ void xml_reader::read_root(pugi::xml_node root)
         read_wrapped(root);
         return;
     }
+    /* Else it would be an element of no model, or of a filter that selects nothing, and told as that. */
+    const bool is_message =
+        tag == "rpc" || tag == "hello" || tag == "get" || tag == "get-config" || tag == "edit-config";
+    if (ns == nullptr ? is_message : ns == netconf_namespace)
+        builder_.fail_child(tag, "a NETCONF message; the document is what stands in its <filter>, <config> or <data>");
     read_tree(root);
 }
 

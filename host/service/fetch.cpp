@@ -178,7 +178,7 @@ class port_fetch
         dtf_datatree &node = add_node(memory_, the_child(memory_, top, "ots-ports", ots_ns), "ots-port", ots_ns);
         const leaf_buffer leaves = leaves_of(port.entry);
         add_leaves(memory_, node, leaves.all(), [&asked](native_tag tag) { return asked.has(tag); });
-        if (!spectrum.empty())
+        if (!spectrum.empty() && port.slice_count > 0)
             add_slices(node, port, spectrum);
     }
 
