@@ -10,10 +10,6 @@ namespace framework {
 
 namespace {
 
-/* `node_kind` of a list entry, and the bit that says it holds. */
-constexpr std::uint32_t list_entry_kind = 4;
-constexpr std::uint8_t kind_is_set = 0x04;
-
 bool is_list_entry(const dtf_datatree &node)
 {
     return (node.kind_flags & kind_is_set) != 0 && node.node_kind == list_entry_kind;
@@ -87,19 +83,14 @@ landed landing::add(const parsed_path &path, const addition &what)
     position here;
     enter_start(here, path, what.new_list_entry ? length - 1 : length);
     landed result;
-    dtf_datatree *parent = nullptr;
-    if (here.depth >= path.lists_end && here.depth < length) {
-        result.created = add_below(here.node, parent, path, here.depth, what.ns);
-    } else {
-        while (here.depth < length && path.segments[here.depth].list == nullptr &&
-               enter_existing(here, path.segments[here.depth].tag)) {
-        }
-        result.created = here.depth < length;
-        if (result.created)
-            create_rest(here, path, what);
+    while (here.depth < length && path.segments[here.depth].list == nullptr &&
+           enter_existing(here, path.segments[here.depth].tag())) {
     }
+    result.created = here.depth < length;
+    if (result.created)
+        create_rest(here, path, what);
     dtf_datatree &node = *here.node;
-    const bool is_key = path.segments.back().is_key;
+    const bool is_key = path.segments.back().is_key();
     result.node = &node;
     /* In a read the first key names the entry: another one is a content match, which the filter of the reply is for. */
     const bool keeps_key =
@@ -109,7 +100,7 @@ landed landing::add(const parsed_path &path, const addition &what)
     if (!result.created || !is_key)
         return result;
     if (what.entry_operation != 0)
-        give_entry_operation(parent != nullptr ? *parent : node_at(here, length - 1), what.entry_operation);
+        give_entry_operation(node_at(here, length - 1), what.entry_operation);
     if ((node.flags & DTF_FLAG_HAS_VALUE) != 0)
         result.keyed_entry = take_awaiting(*path.segments[length - 2].list);
     return result;
@@ -118,14 +109,20 @@ landed landing::add(const parsed_path &path, const addition &what)
 dtf_datatree *landing::add_to_last_entry(const parsed_path &path, const char *ns, const char *value)
 {
     std::vector<entry_place> &places = frames_[open_ - 1].places;
-    const std::uint32_t depth = path.lists_end;
-    if (places.empty() || depth == 0 || depth == path.segments.size() || path.closing_slash ||
-        places.back().list != path.segments[depth - 1].list)
+    const path_segment *at = path.segments.data() + path.lists_end;
+    const path_segment *const end = path.segments.data() + path.segments.size();
+    if (places.empty() || !path.is_below_list || places.back().list != at[-1].list)
         return nullptr;
     const char *const copy = value == nullptr ? nullptr : memory_->copy(value);
     dtf_datatree *node = node_of(places.back());
-    dtf_datatree *parent = nullptr;
-    add_below(node, parent, path, depth, ns);
+    for (; at != end; ++at) {
+        dtf_datatree *const child = existing_child(*node, at->tag());
+        if (child == nullptr)
+            break;
+        node = child;
+    }
+    if (at != end)
+        node = create_below(*node, at, end, ns);
     if (copy != nullptr) {
         node->value = copy;
         node->flags |= DTF_FLAG_HAS_VALUE;
@@ -133,36 +130,20 @@ dtf_datatree *landing::add_to_last_entry(const parsed_path &path, const char *ns
     return node;
 }
 
-/*
- * The common case: the path names no list entry beyond `node`, at `depth`. Goes down to its last node, creating what is
- * missing, and nothing has to be remembered. True when the last node was created; `parent` is then the one above it.
- */
-bool landing::add_below(dtf_datatree *&node, dtf_datatree *&parent, const parsed_path &path, std::size_t depth,
-                        const char *ns)
+/* Creates the nodes that a path still names below `above`, with segments before these, of none of which anything has to
+ * be remembered. Returns the last. */
+inline dtf_datatree *landing::create_below(dtf_datatree &above, const path_segment *missing, const path_segment *end,
+                                           const char *ns)
 {
-    const std::size_t length = path.segments.size();
-    dtf_datatree *found = node;
-    for (; depth < length && found != nullptr; ++depth) {
-        node = found;
-        found = existing_child(*node, path.segments[depth].tag);
-    }
-    if (found != nullptr) {
-        node = found;
-        return false;
-    }
-    dtf_datatree *const first_parent = node;
-    const std::uint32_t count_before = first_parent->child_count;
+    dtf_datatree *node = &new_child(above, *missing[-1].usual_children, *missing, ns);
     try {
-        for (--depth; depth < length; ++depth) {
-            parent = node;
-            node = &new_child(*parent, path.segments[depth], ns);
-        }
+        while (++missing != end)
+            node = &new_child(*node, *missing[-1].usual_children, *missing, ns);
     } catch (...) {
-        if (first_parent->child_count > count_before)
-            drop_last_child(*first_parent);
+        drop_last_child(above);
         throw;
     }
-    return true;
+    return node;
 }
 
 /*
@@ -216,19 +197,16 @@ bool landing::enter_existing(position &here, const char *tag) const
     return true;
 }
 
-dtf_datatree *landing::existing_child(const dtf_datatree &parent, const char *tag) const
+inline dtf_datatree *landing::existing_child(const dtf_datatree &parent, const char *tag) const
 {
     if ((parent.flags & DTF_FLAG_HAS_SUBTREE) == 0)
         return nullptr;
     dtf_datatree *const end = parent.children + parent.child_count;
-    const auto is_same = [tag](const dtf_datatree &child) { return child.tag == tag; };
-    const auto is_equal = [tag](const dtf_datatree &child) {
-        return child.tag != nullptr && std::strcmp(child.tag, tag) == 0;
-    };
-    dtf_datatree *child = std::find_if(parent.children, end, is_same);
-    if (child == end && foreign_tags_)
-        child = std::find_if(parent.children, end, is_equal);
-    return child == end ? nullptr : child;
+    for (dtf_datatree *child = parent.children; child != end; ++child) {
+        if (child->tag == tag)
+            return child;
+    }
+    return foreign_tags_ ? find_child(parent, tag) : nullptr;
 }
 
 void landing::create_rest(position &here, const parsed_path &path, const addition &what)
@@ -244,8 +222,13 @@ void landing::create_rest(position &here, const parsed_path &path, const additio
         places.reserve(places.size() + path.list_count);
     }
     try {
-        while (here.depth < length)
-            create_child(here, path.segments[here.depth], what.ns);
+        while (here.depth < length) {
+            dtf_datatree &parent = *here.node;
+            std::uint32_t &usual_children =
+                here.depth == 0 ? roots_children_ : *path.segments[here.depth - 1].usual_children;
+            here.node = &new_child(parent, usual_children, path.segments[here.depth], what.ns);
+            here.steps[here.depth++] = parent.child_count - 1;
+        }
     } catch (...) {
         if (here.depth > first)
             drop_last_child(node_at(here, first));
@@ -255,39 +238,32 @@ void landing::create_rest(position &here, const parsed_path &path, const additio
         remember_created(here, path, first, what.new_list_entry);
 }
 
-void landing::create_child(position &here, const path_segment &segment, const char *ns)
+/* A child for the segment of a path. `usual_children` counts those of the segment before it. */
+inline dtf_datatree &landing::new_child(dtf_datatree &parent, std::uint32_t &usual_children,
+                                        const path_segment &segment, const char *ns)
 {
-    dtf_datatree &parent = *here.node;
-    here.node = &new_child(parent, segment, ns);
-    here.steps[here.depth++] = parent.child_count - 1;
+    const bool has_room = (parent.flags & DTF_FLAG_HAS_SUBTREE) != 0 && parent.child_count < parent.child_room;
+    if (!has_room || memory_->poison())
+        make_room(parent, usual_children);
+    dtf_datatree &child = parent.children[parent.child_count++];
+    usual_children = parent.child_count;
+    child = segment.blank;
+    child.ns = ns;
+    return child;
 }
 
 /*
  * Nodes of one name mostly have as many children as the one before them: so much room is made at once, and an array is
  * neither moved nor larger than it needs to be.
  */
-dtf_datatree &landing::new_child(dtf_datatree &parent, const path_segment &segment, const char *ns)
+void landing::make_room(dtf_datatree &parent, std::uint32_t usual_children)
 {
-    room_hint &hint = hints_[(reinterpret_cast<std::uintptr_t>(parent.tag) >> 1) % hints_.size()];
     const bool is_first = (parent.flags & DTF_FLAG_HAS_SUBTREE) == 0 || parent.child_count == 0;
-    if (is_first && hint.tag == parent.tag)
-        reserve_children(*memory_, parent, hint.count);
-    const dtf_datatree *const before = is_first ? nullptr : parent.children;
-    dtf_datatree &child = add_child(*memory_, parent);
-    hint = {parent.tag, parent.child_count};
-    if (before != nullptr && before != parent.children)
+    if (is_first)
+        reserve_children(*memory_, parent, usual_children);
+    else
         ++moves_;
-    child.tag = segment.tag;
-    child.ns = ns;
-    if (segment.list != nullptr) {
-        child.node_kind = list_entry_kind;
-        child.kind_flags = kind_is_set;
-    }
-    if (segment.is_key) {
-        child.is_key = 1;
-        child.flags |= DTF_FLAG_KEY;
-    }
-    return child;
+    grow_children(*memory_, parent);
 }
 
 void landing::remember_created(const position &here, const parsed_path &path, std::size_t first, bool names_new_entry)
@@ -338,13 +314,17 @@ dtf_datatree *landing::node_of(entry_place &place)
 
 bool landing::open_frame(const parsed_path &schema, std::uint8_t hierarchy_len, bool withdraw_keyless)
 {
-    while (open_ > 1 && !schema.is_below(*frames_[open_ - 1].schema))
+    /* Mostly it is the frame that was closed last, for the next entry of the same list: then it is known to fit. */
+    const bool fits = open_ < frames_.size() && frames_[open_].schema == &schema &&
+                      frames_[open_].schema_above == frames_[open_ - 1].schema;
+    while (!fits && open_ > 1 && !schema.is_below(*frames_[open_ - 1].schema))
         close_innermost(withdraw_keyless);
     if (open_ > max_frames)
         return false;
     if (open_ == frames_.size())
         frames_.emplace_back();
-    frame &opened = frames_[open_++];
+    frame &opened = frames_[open_];
+    opened.schema_above = frames_[open_++ - 1].schema;
     opened.schema = &schema;
     opened.hierarchy_len = hierarchy_len;
     return true;

@@ -69,7 +69,8 @@ class landing
 
     /*
      * The same for the additions that a walk over device data consists of: a node below the entry that the innermost
-     * frame added last, without a source. Null, and nothing done, where it is another one.
+     * frame added last, without a source. Null, and nothing done, where it is another one, also where no such node can
+     * be (is_below_list).
      */
     dtf_datatree *add_to_last_entry(const parsed_path &path, const char *ns, const char *value);
 
@@ -94,6 +95,8 @@ class landing
 
     struct frame {
         const parsed_path *schema = nullptr;
+        /* That of the frame outside of it. */
+        const parsed_path *schema_above = nullptr;
         std::uint8_t hierarchy_len = 0;
         /* Innermost list last. */
         std::vector<entry_place> places;
@@ -109,19 +112,14 @@ class landing
         std::array<std::uint32_t, path_table::max_segments> steps;
     };
 
-    /* How many children the last node of a name had. */
-    struct room_hint {
-        const char *tag = nullptr;
-        std::uint32_t count = 0;
-    };
-
-    bool add_below(dtf_datatree *&node, dtf_datatree *&parent, const parsed_path &path, std::size_t depth,
-                   const char *ns);
+    dtf_datatree *create_below(dtf_datatree &above, const path_segment *missing, const path_segment *end,
+                               const char *ns);
     dtf_datatree *existing_child(const dtf_datatree &parent, const char *tag) const;
-    dtf_datatree &new_child(dtf_datatree &parent, const path_segment &segment, const char *ns);
+    dtf_datatree &new_child(dtf_datatree &parent, std::uint32_t &usual_children, const path_segment &segment,
+                            const char *ns);
+    void make_room(dtf_datatree &parent, std::uint32_t usual_children);
     void enter_start(position &here, const parsed_path &path, std::size_t limit);
     bool enter_existing(position &here, const char *tag) const;
-    void create_child(position &here, const path_segment &segment, const char *ns);
     void create_rest(position &here, const parsed_path &path, const addition &what);
     dtf_datatree &node_at(const position &here, std::size_t depth) const;
     static void complete_steps(position &here);
@@ -136,7 +134,7 @@ class landing
     arena *memory_;
     /* The output held nodes before the walk, whose tags are not the path table's. */
     bool foreign_tags_;
-    std::array<room_hint, 32> hints_{};
+    std::uint32_t roots_children_ = 0;
     /* How often a child array with nodes in it has moved. */
     std::uint64_t moves_ = 0;
     /* The first `open_` are open; closed ones are kept for their memory. */

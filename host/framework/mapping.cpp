@@ -116,13 +116,6 @@ faultno mapping::add_path(dtf_datatree &tree, const char *text, addition &what, 
         return add_to_request(tree, *path, what, created);
     if (&tree != &landing_->out())
         return fault_bad_path;
-    if (options_.way == direction::native_to_openconfig && !what.new_list_entry && what.source == nullptr) {
-        if (dtf_datatree *const added = landing_->add_to_last_entry(*path, what.ns, what.value)) {
-            if (created != nullptr)
-                *created = added;
-            return FAULT_SUCCESS;
-        }
-    }
     if (what.new_list_entry)
         paths_.mark_list(*path);
     if (what.source != nullptr)
@@ -198,7 +191,7 @@ faultno mapping::register_instance(const entry_place &native, const char *native
         return FAULT_SUCCESS;
     const dtf_datatree *const above = hierarchy_.top();
     const std::string key = options_.request_key(native_key);
-    const request_instances::names names{path->segments.back().tag, list->keys.front(),
+    const request_instances::names names{path->segments.back().tag(), list->keys.front(),
                                          above == nullptr ? nullptr : above->ns,
                                          hierarchy_.top_is_list() ? above : nullptr};
     return instances_.add(names, key, native, enter_request_instance) ? FAULT_SUCCESS : fault_stack_full;

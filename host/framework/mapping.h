@@ -110,6 +110,14 @@ class mapping
     void pop_node(const dtf_datatree *node);
     faultno update_current_list(const char *schema_path);
     faultno add_path(dtf_datatree &tree, const char *path, addition &what, dtf_datatree **created);
+    /* The same for the additions that a walk over device data consists of; null where it is another one. */
+    dtf_datatree *add_data(const dtf_datatree &tree, const char *path, const char *ns, const char *value)
+    {
+        if (options_.way != direction::native_to_openconfig || &tree != &landing_->out())
+            return nullptr;
+        const parsed_path *const parsed = paths_.find(path);
+        return parsed == nullptr ? nullptr : landing_->add_to_last_entry(*parsed, ns, value);
+    }
     void push_itree(const dtf_itree_entry &entry);
     void note_error_path();
     faultno check_leafref(const char *container, const char *key_tag, const dtf_datatree &entry);

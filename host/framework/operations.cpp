@@ -82,12 +82,20 @@ faultno dtf_map_datatree_add_path_flagged(dtf_map_ctx ctx, struct dtf_datatree *
     if (tree == nullptr || path == nullptr)
         return FAULT_INVALID_ARGS;
     return guarded([=] {
+        mapping &walk = mapping::of(ctx);
+        if (source == nullptr && new_list_entry == 0) {
+            if (dtf_datatree *const added = walk.add_data(*tree, path, ns, value)) {
+                if (created != nullptr)
+                    *created = added;
+                return FAULT_SUCCESS;
+            }
+        }
         framework::addition what;
         what.ns = ns;
         what.value = value;
         what.source = source;
         what.new_list_entry = new_list_entry != 0;
-        return mapping::of(ctx).add_path(*tree, path, what, created);
+        return walk.add_path(*tree, path, what, created);
     });
 }
 

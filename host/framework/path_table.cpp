@@ -3,9 +3,21 @@
 #include "schema_facts.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace framework {
+
+namespace {
+
+/* What the plug-in and the writers see of a node's kind. */
+void describe(dtf_datatree &node, bool is_list_entry, bool is_key)
+{
+    node.node_kind = is_list_entry ? list_entry_kind : 0;
+    node.kind_flags = is_list_entry ? kind_is_set : 0;
+    node.is_key = is_key ? 1 : 0;
+    node.flags = DTF_FLAG_VALID | (is_key ? DTF_FLAG_KEY : 0);
+}
+
+} // namespace
 
 bool list_schema::is_key(std::string_view tag) const { return std::find(keys.begin(), keys.end(), tag) != keys.end(); }
 
@@ -15,16 +27,13 @@ bool parsed_path::is_below(const parsed_path &ancestor) const
     return text.size() > length && text[length] == '/' && text.compare(0, length, ancestor.text) == 0;
 }
 
-const parsed_path *path_table::find(const char *path)
+const parsed_path *path_table::look_up(const char *path)
 {
-    const parsed_path *&slot = by_address_[slot_of(path)];
-    if (slot != nullptr && std::strcmp(slot->text.c_str(), path) == 0)
-        return slot;
     const std::string_view text(path);
     const auto known = by_text_.find(text);
     const parsed_path *const found = known != by_text_.end() ? known->second.get() : parse(text);
     if (found != nullptr)
-        slot = found;
+        by_address_[slot_of(path)] = found;
     return found;
 }
 
@@ -36,13 +45,6 @@ void path_table::mark_list(const parsed_path &path)
     lists_.emplace(list_path, std::make_unique<list_schema>(list_schema{list_path, {}, false}));
     for (auto &[text, parsed] : by_text_)
         bind_lists(*parsed);
-}
-
-/* Literals lie close together and differ in their low bits. */
-std::size_t path_table::slot_of(const char *path)
-{
-    const auto address = reinterpret_cast<std::uintptr_t>(path);
-    return (address ^ (address >> 7)) % std::tuple_size_v<decltype(by_address_)>;
 }
 
 const parsed_path *path_table::parse(std::string_view text)
@@ -60,7 +62,10 @@ const parsed_path *path_table::parse(std::string_view text)
         const std::string_view tag = rest.substr(0, end);
         if (tag.empty() || path->segments.size() == max_segments)
             return nullptr;
-        path->segments.push_back({intern(tag), nullptr, false});
+        interned_tag &interned = intern(tag);
+        dtf_datatree blank = {};
+        blank.tag = interned.text;
+        path->segments.push_back({blank, &interned.usual_children, nullptr});
         if (more)
             rest.remove_prefix(end + 1);
     }
@@ -69,13 +74,12 @@ const parsed_path *path_table::parse(std::string_view text)
     return by_text_.emplace(key, std::move(path)).first->second.get();
 }
 
-const char *path_table::intern(std::string_view tag)
+path_table::interned_tag &path_table::intern(std::string_view tag)
 {
     if (const auto known = tags_.find(tag); known != tags_.end())
         return known->second;
     const char *const text = memory_->copy(tag);
-    tags_.emplace(std::string_view(text, tag.size()), text);
-    return text;
+    return tags_.emplace(std::string_view(text, tag.size()), interned_tag{text, 0}).first->second;
 }
 
 /* The list at a schema path, from the facts when it is met first; null when the path is no list. */
@@ -106,15 +110,16 @@ void path_table::bind_lists(parsed_path &path)
     std::string prefix;
     const list_schema *above = nullptr;
     for (path_segment &segment : path.segments) {
-        prefix.append("/").append(segment.tag);
+        prefix.append("/").append(segment.tag());
         segment.list = list_at(prefix);
-        segment.is_key = above != nullptr && above->is_key(segment.tag);
+        describe(segment.blank, segment.list != nullptr, above != nullptr && above->is_key(segment.tag()));
         above = segment.list;
         if (segment.list != nullptr) {
             ++path.list_count;
             path.lists_end = static_cast<std::uint32_t>(&segment - path.segments.data()) + 1;
         }
     }
+    path.is_below_list = path.lists_end != 0 && path.lists_end < path.segments.size() && !path.closing_slash;
 }
 
 } // namespace framework

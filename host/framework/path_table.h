@@ -6,9 +6,12 @@
 #define FRAMEWORK_PATH_TABLE_H
 
 #include "arena.h"
+#include "dtf.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -16,6 +19,10 @@
 #include <vector>
 
 namespace framework {
+
+/* `node_kind` of a list entry, and the bit of `kind_flags` that says it holds. */
+inline constexpr std::uint32_t list_entry_kind = 4;
+inline constexpr std::uint8_t kind_is_set = 0x04;
 
 /* A list of one of the models, as the landing of added nodes sees it. */
 struct list_schema {
@@ -28,12 +35,19 @@ struct list_schema {
 };
 
 struct path_segment {
-    /* In the memory of the output tree, one address per text: within one tree, equal tags are equal pointers. */
-    const char *tag;
+    /*
+     * A new node for the segment, still without namespace, value and children. Its tag lies in the memory of the output
+     * tree, one address per text: within one tree, equal tags are equal pointers.
+     */
+    dtf_datatree blank;
+    /* How many children the last node of that tag had, whatever its path. */
+    std::uint32_t *usual_children;
     /* The list whose entry this segment names; null for a container or a leaf. */
     const list_schema *list;
+
+    const char *tag() const { return blank.tag; }
     /* The segment is a key leaf of the list before it. */
-    bool is_key;
+    bool is_key() const { return blank.is_key != 0; }
 };
 
 struct parsed_path {
@@ -43,6 +57,8 @@ struct parsed_path {
     bool relative = false;
     /* A closing "/": the path names the list entry itself. */
     bool closing_slash = false;
+    /* A node below a list entry, all of whose lists are named before it. */
+    bool is_below_list = false;
     /* How many segments are list entries, and the number of segments down to the last of them. */
     std::uint32_t list_count = 0;
     std::uint32_t lists_end = 0;
@@ -61,7 +77,11 @@ class path_table
      * The parsed form of `path`, which stays for the life of the table; null for a path that names nothing (empty, an
      * empty segment) or is deeper than `max_segments`. Costs a comparison of texts when the address is known.
      */
-    const parsed_path *find(const char *path);
+    const parsed_path *find(const char *path)
+    {
+        const parsed_path *const known = by_address_[slot_of(path)];
+        return known != nullptr && std::strcmp(known->text.c_str(), path) == 0 ? known : look_up(path);
+    }
 
     /* Makes the last segment of `path` a list in all parsed paths; for lists that the schema facts do not know. */
     void mark_list(const parsed_path &path);
@@ -69,18 +89,31 @@ class path_table
     static constexpr std::size_t max_segments = 16;
 
   private:
+    struct interned_tag {
+        const char *text;
+        std::uint32_t usual_children;
+    };
+
+    const parsed_path *look_up(const char *path);
     const parsed_path *parse(std::string_view text);
-    const char *intern(std::string_view tag);
+    interned_tag &intern(std::string_view tag);
     const list_schema *list_at(const std::string &path);
     void bind_lists(parsed_path &path);
 
-    static std::size_t slot_of(const char *path);
+    /* Literals lie close together and differ in their low bits. */
+    static std::size_t slot_of(const char *path)
+    {
+        const auto address = reinterpret_cast<std::uintptr_t>(path);
+        return (address ^ (address >> 7)) % slots;
+    }
+
+    static constexpr std::size_t slots = 128;
 
     arena *memory_;
-    std::array<const parsed_path *, 128> by_address_{};
+    std::array<const parsed_path *, slots> by_address_{};
     std::unordered_map<std::string_view, std::unique_ptr<parsed_path>> by_text_;
     std::unordered_map<std::string, std::unique_ptr<list_schema>> lists_;
-    std::unordered_map<std::string_view, const char *> tags_;
+    std::unordered_map<std::string_view, interned_tag> tags_;
 };
 
 } // namespace framework
