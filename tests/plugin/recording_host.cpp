@@ -7,18 +7,19 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#if RECORDING_ASAN
-#include <sanitizer/asan_interface.h>
-#endif
-
 namespace recording {
 
 host *current = nullptr;
 
 namespace {
 
-/* Reporting places by the address of their words, which outlive every host. */
+/* What the host left in each site word, and whose it is: places and words, both of which outlive every host. */
+struct site {
+    uint32_t word = 0xffffffff;
+    std::string place{};
+};
 std::map<uint32_t *, site> sites;
+std::map<std::string, uint32_t *> places;
 bool library_found = false;
 
 DTF_PRINTF_LIKE(1, 0) std::string printed_list(const char *format, va_list arguments)
@@ -28,17 +29,6 @@ DTF_PRINTF_LIKE(1, 0) std::string printed_list(const char *format, va_list argum
     const std::string copy(text, static_cast<std::size_t>(length));
     std::free(text);
     return copy;
-}
-
-std::string quoted(const char *text) { return text == nullptr ? "null" : '"' + std::string(text) + '"'; }
-
-std::string ns_name(const char *ns)
-{
-    static const std::map<std::string, std::string> known = {{CHMON_NS_OPENCONFIG_CHANNEL_MONITOR, "oc"},
-                                                             {CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER, "ots"},
-                                                             {CHMON_NS_VANTRA_TALIN_IFMGR_CFG, "ifmgr"}};
-    const auto found = known.find(ns == nullptr ? "" : ns);
-    return found == known.end() ? quoted(ns) : found->second;
 }
 
 /* The host of a call, which must be given that host's own context. */
@@ -65,7 +55,7 @@ std::size_t share()
     return text != nullptr ? std::strtoul(text, nullptr, 10) : RECORDING_ASAN ? 4 : 1;
 }
 
-host::host(const std::vector<std::string> &inventory)
+host::host(const std::vector<std::string> &inventory) : previous(current)
 {
     context.req_ctx = &state;
     state.req = &request;
@@ -73,7 +63,7 @@ host::host(const std::vector<std::string> &inventory)
     context.debug_filter.levels = 1u << DTF_LEVEL_ERR | 1u << DTF_LEVEL_TRC;
     context.err_log = &lines;
     context.trc_log = &additions;
-    context.trace_ring = &reports;
+    context.trace_ring = &violations;
     context.trace_on = 1;
     names[&out] = "out";
     log_start = printed(": DTF: ctx=%p,", static_cast<void *>(&context));
@@ -82,16 +72,13 @@ host::host(const std::vector<std::string> &inventory)
         items["/oper/inventory/gl/entity/" + entity + "/attrib/inv_basic_parcel"] = {
             {14, "inv_phy_entity_basic_info"}, {5, "Index", {}, 7}, {12, "Name", monitor}, {15}, {18}};
     }
-    previous = current;
     current = this;
 }
 
 host::~host()
 {
-    for (void *copy : copies)
-        std::free(copy);
-    for (void *text : token_texts)
-        std::free(text);
+    for (const auto *owned : {&copies, &token_texts})
+        std::for_each(owned->begin(), owned->end(), std::free);
     current = current == this ? previous : current;
 }
 
@@ -101,9 +88,8 @@ void host::violate(bool broken, std::string_view what)
         violations.emplace_back(what);
 }
 
-void host::note(const std::string &line)
+void host::add_line(const std::string &line)
 {
-    finish_report();
     lines.push_back(line);
     if (watch)
         watch();
@@ -115,6 +101,7 @@ void host::finish_report()
     violate(drawn.has_value() || asked_level.has_value(), "report left unfinished");
     drawn.reset();
     asked_level.reset();
+    logged.clear();
 }
 
 bool host::fails(bool copy)
@@ -160,7 +147,7 @@ const char *host::sprout(dtf_datatree &node, const char *p, const char *ns)
         p += length;
     }
     if (*p == '{') {
-        auto &children = *arrays.emplace_back(std::make_unique<std::vector<dtf_datatree>>());
+        auto &children = arrays.emplace_back();
         for (p += 1 + std::strspn(p + 1, " "); *p != '}'; p += std::strspn(p, " "))
             p = sprout(children.emplace_back(), p, ns);
         ++p;
@@ -181,15 +168,15 @@ void host::number(dtf_datatree &node)
 
 dtf_datatree *host::plant(const std::string &text, const char *ns)
 {
-    auto &root = *arrays.emplace_back(std::make_unique<std::vector<dtf_datatree>>(1));
-    (void)sprout(root[0], text.c_str(), ns);
-    number(root[0]);
-    return root.data();
+    dtf_datatree &root = arrays.emplace_back(1)[0];
+    (void)sprout(root, text.c_str(), ns);
+    number(root);
+    return &root;
 }
 
 dtf_datatree *host::append(dtf_datatree &parent, const char *tag, const char *ns)
 {
-    auto &children = *arrays.emplace_back(std::make_unique<std::vector<dtf_datatree>>());
+    auto &children = arrays.emplace_back();
     const bool any = (parent.flags & DTF_FLAG_HAS_SUBTREE) != 0 && parent.children != nullptr;
     children.reserve((any ? parent.child_count : 0) + 1);
     for (uint32_t i = 0; any && i < parent.child_count; ++i) {
@@ -213,11 +200,7 @@ dtf_datatree *host::append(dtf_datatree &parent, const char *tag, const char *ns
 
 const void *host::parcel(const std::vector<token> &tokens)
 {
-    parcels.push_back(std::make_unique<std::vector<token>>(tokens));
-    auto &block = *reinterpret_cast<const std::vector<token> **>(
-        texts.emplace_back(std::make_unique<char[]>(sizeof(void *))).get());
-    block = parcels.back().get();
-    return &block;
+    return &parcel_bytes.emplace_back(&parcels.emplace_back(tokens));
 }
 
 std::string host::text(const std::string &without) const
@@ -232,25 +215,25 @@ std::string host::text(const std::string &without) const
 std::string host::imbalance(std::size_t stack_at_entry)
 {
     finish_report();
-#if RECORDING_ASAN
-    std::erase_if(blocks, [](void *block) { return __asan_address_is_poisoned(block) != 0; });
-#endif
-    // Under valgrind free() is not ours to see; it finds what is left itself.
-    const char *const preloaded = std::getenv("LD_PRELOAD");
-    if (preloaded != nullptr && std::strstr(preloaded, "vgpreload") != nullptr)
+    // Where free() is not ours to see (address sanitizer, valgrind), what is left is found at the process's end.
+    static const bool frees_are_seen = [this, before = blocks.size()] {
+        blocks.push_back(std::malloc(1));
+        std::free(blocks.back());
+        return blocks.size() == before;
+    }();
+    if (!frees_are_seen)
         blocks.clear();
-    const std::size_t left[] = {state.hierarchy_len,
-                                output_list.size(),
-                                itree.size() - stack_at_entry,
-                                tokens_held,
-                                walks,
-                                binds.size(),
-                                blocks.size(),
-                                copies.size() - copies.count(state.error_tag)};
-    const char *const of[] = {"hierarchy", "output list", "instance-tree stack", "tokens",
-                              "walks",     "bindings",    "data blocks",         "named copies"};
-    for (std::size_t i = 0; i < std::size(left); ++i)
-        violate(left[i] != 0, printed("left over: %zu %s", left[i], of[i]));
+    const std::pair<const char *, std::size_t> left[] = {
+        {"hierarchy", state.hierarchy_len},
+        {"output list", output_list.size()},
+        {"instance-tree stack", itree.size() - stack_at_entry},
+        {"tokens", tokens_held},
+        {"walks", walks},
+        {"bindings", binds.size()},
+        {"data blocks", blocks.size()},
+        {"named copies", copies.size() - copies.count(state.error_tag)}};
+    for (const auto &[of, count] : left)
+        violate(count != 0, printed("left over: %zu %s", count, of));
     violate(state.error_tag != nullptr && !copies.contains(state.error_tag), "error_tag is no copy");
     std::string all;
     for (const auto &violation : violations)
@@ -258,21 +241,12 @@ std::string host::imbalance(std::size_t stack_at_entry)
     return all;
 }
 
-/* A report's first line in either sink; a second one of the same report only completes it. */
-void host::reported(const char *level, const std::string &message)
-{
-    reports.push_back({level, message});
-    lines.push_back(std::string(level) + ' ' + message);
-    if (watch)
-        watch();
-}
-
 } // namespace recording
 
 using namespace recording;
 
 #if !RECORDING_ASAN
-/* Sees the plug-in free its data blocks; ASan builds see it by the poisoned block instead. */
+/* Sees the plug-in free its data blocks. */
 extern "C" void free(void *block)
 {
     static const auto real_free = reinterpret_cast<void (*)(void *)>(dlsym(RTLD_NEXT, "free"));
@@ -288,11 +262,10 @@ int dtf_debug_should_log(struct dtf_debug_filter *filter, uint32_t level)
 {
     current->finish_report();
     current->violate(filter != &current->context.debug_filter, "foreign filter");
-    ++current->should_log_calls;
-    const bool wanted = (filter->levels >> level & 1) != 0;
-    if (wanted)
-        current->asked_level = level;
-    return wanted ? 0x100 : 0;
+    if ((filter->levels >> level & 1) == 0)
+        return 0;
+    current->asked_level = level;
+    return 0x100;
 }
 
 void _plat_dt_log_filter_adv(void *log, uint32_t a, uint32_t b, uint32_t c, uint32_t d, uint32_t e, uint32_t *site_word,
@@ -303,25 +276,23 @@ void _plat_dt_log_filter_adv(void *log, uint32_t a, uint32_t b, uint32_t c, uint
     va_start(arguments, format);
     const std::string line = printed_list(format, arguments);
     va_end(arguments);
-    const bool err = log == h.context.err_log;
-    const std::string start = (err ? "ERR" : "TRC") + h.log_start;
-    h.violate((!err && log != h.context.trc_log) || (a | b | c | d | e) != 0 || !line.starts_with(start), line);
-    h.violate(h.asked_level != (err ? DTF_LEVEL_ERR : DTF_LEVEL_TRC), "logged without asking");
+    const std::string level = log == h.context.err_log ? "ERR" : "TRC", start = level + h.log_start;
+    h.violate((level == "TRC" && log != h.context.trc_log) || (a | b | c | d | e) != 0 || !line.starts_with(start),
+              line);
+    h.violate(h.asked_level != (level == "ERR" ? DTF_LEVEL_ERR : DTF_LEVEL_TRC), "logged without asking");
     h.asked_level.reset();
-    h.reported(err ? "ERR" : "TRC", line.substr(std::min(start.size(), line.size())));
-    h.reports.back().site = &sites.try_emplace(site_word).first->second;
-    site &place = *h.reports.back().site;
-    h.violate(*site_word != place.word || (!place.format.empty() && place.format != format),
-              "site word shared or changed");
-    place.format = format;
-    *site_word = place.word = static_cast<uint32_t>(sites.size());
+    h.logged = level + ' ' + line.substr(std::min(start.size(), line.size()));
+    h.format = format;
+    h.site_word = site_word;
+    h.add_line(h.logged);
+    h.violate(*site_word != sites[site_word].word, "site word changed");
+    *site_word = sites[site_word].word = static_cast<uint32_t>(sites.size());
 }
 
 uint32_t ret_nc_dtf_trace_index_incr(void)
 {
     static uint32_t index = 0xfffffff0;
     current->violate(current->drawn.has_value() || current->context.trace_on == 0, "index drawn for nothing");
-    ++current->indices_drawn;
     current->drawn = ++index;
     return index;
 }
@@ -333,49 +304,45 @@ void _ringlog(void *trace_ring, uint64_t tag, const char *line)
     unsigned index = 0;
     int number = 0;
     const int read = std::sscanf(line, "#%u: %3s: %199[^:]:%d ctx=", &index, level, function, &number);
-    const std::string start = '#' + std::to_string(index) + ": " + level + ": " + function + ':' +
-                              std::to_string(number) + h.log_start.substr(h.log_start.find(" ctx"));
+    const std::string start =
+        printed("#%u: %s: %s:%d", index, level, function, number) + h.log_start.substr(h.log_start.find(" ctx"));
     // The filter alone says whether this report's line has just gone to the debug log.
-    const bool logged = (h.context.debug_filter.levels >> (*level == 'E' ? DTF_LEVEL_ERR : DTF_LEVEL_TRC) & 1) != 0;
-    if (!logged)
-        h.reported(level, std::string(line).substr(std::min(start.size(), std::strlen(line))));
-    if (h.reports.empty())
-        return h.violate(true, line);
-    report &r = h.reports.back();
+    const bool wanted = (h.context.debug_filter.levels >> (*level == 'E' ? DTF_LEVEL_ERR : DTF_LEVEL_TRC) & 1) != 0;
+    const std::string text =
+        (h.logged.empty() ? line : start + h.logged.substr(4)).substr(std::min(start.size(), std::strlen(line)));
     h.violate(read != 4 || trace_ring != h.context.trace_ring || tag != 0x10101000000 || h.drawn != index ||
-                  r.line != 0 || (r.site != nullptr) != logged || line != (start + r.text).substr(0, 249),
+                  h.logged.empty() == wanted || line != (start + text).substr(0, 249),
               line);
     h.drawn.reset();
-    r.function = function;
-    r.line = number;
-    h.lines.back() = r.level + ' ' + function + ": " + r.text;
-    if (!logged || (r.site->line == number && r.site->function == function))
+    if (h.logged.empty())
+        h.add_line("");
+    h.lines.back() = level + (' ' + std::string(function)) + ": " + (h.logged.empty() ? text.substr(0, traced) : text);
+    if (h.logged.empty())
         return;
     // A place is a line of a function with a format; it has one word, and the word is its alone.
-    static std::set<std::string> places;
-    h.violate(r.site->line != 0 || !places.insert(printed("%s:%d ", function, number) + r.site->format).second,
+    const std::string place = printed("%s:%d ", function, number) + h.format;
+    site &own = sites[h.site_word];
+    own.place = own.place.empty() ? place : own.place;
+    h.violate(own.place != place || places.try_emplace(place, h.site_word).first->second != h.site_word,
               "site word shared or two for one place");
-    r.site->line = number;
-    r.site->function = function;
+    h.violate(!h.logged.starts_with(level), "two levels");
 }
 
 void dtf_oc_error_path(dtf_map_ctx ctx)
 {
-    at(ctx).note("error_path " + quoted(ctx->req_ctx == nullptr ? nullptr : ctx->req_ctx->error_tag));
+    at(ctx).note("error_path", ctx->req_ctx == nullptr ? nullptr : ctx->req_ctx->error_tag);
 }
 
 void dtf_map_add_to_node_hierarchy(dtf_map_ctx ctx, const struct dtf_datatree *node, uint32_t kind)
 {
-    host &h = at(ctx);
-    h.note(printed("push %s %u", h.name(node).c_str(), kind));
+    host &h = at(ctx).note("push", node, kind);
     if (h.state.hierarchy_len < DTF_HIERARCHY_MAX)
         h.state.hierarchy[h.state.hierarchy_len++].node_data = node;
 }
 
 void dtf_map_remove_from_node_hierarchy(dtf_map_ctx ctx, const struct dtf_datatree *node)
 {
-    host &h = at(ctx);
-    h.note("pop " + h.name(node));
+    host &h = at(ctx).note("pop", node);
     if (h.state.hierarchy_len == 0 || h.state.hierarchy[h.state.hierarchy_len - 1].node_data != node)
         return h.violate(true, "popped what is not on top: " + h.name(node));
     h.state.hierarchy[--h.state.hierarchy_len].node_data = nullptr;
@@ -383,24 +350,19 @@ void dtf_map_remove_from_node_hierarchy(dtf_map_ctx ctx, const struct dtf_datatr
 
 faultno dtf_map_update_current_list_node(dtf_map_ctx ctx, const char *schema_path)
 {
-    at(ctx).note(printed("current %s", schema_path));
-    return current->fails() ? current->fail_code : 0;
+    return at(ctx).note("current", schema_path).answer();
 }
 
 void dtf_add_to_output_list_ctx(dtf_map_ctx ctx, const struct dtf_datatree *entry, struct dtf_datatree *out)
 {
-    host &h = at(ctx);
-    h.note("list_in " + h.name(entry) + ' ' + h.name(out));
-    if (h.fails())
-        return;
-    if (++h.state.output_list_len != 0) // 8 bits: beyond them there is no entry to withdraw
+    host &h = at(ctx).note("list_in", entry, out);
+    if (!h.fails() && ++h.state.output_list_len != 0) // 8 bits: beyond them there is no entry to withdraw
         h.output_list.push_back(entry);
 }
 
 void dtf_remove_from_output_list_ctx(dtf_map_ctx ctx, const struct dtf_datatree *entry, struct dtf_datatree *out)
 {
-    host &h = at(ctx);
-    h.note("list_out " + h.name(entry) + ' ' + h.name(out));
+    host &h = at(ctx).note("list_out", entry, out);
     if (h.output_list.empty() || h.output_list.back() != entry)
         return h.violate(true, "withdrawn what is not last in the output list: " + h.name(entry));
     h.output_list.pop_back();
@@ -416,11 +378,8 @@ faultno dtf_map_datatree_add_path_flagged(dtf_map_ctx ctx, struct dtf_datatree *
                                           const char *value, const struct dtf_datatree *source,
                                           struct dtf_datatree **created, uint32_t new_list_entry, uint32_t ninth)
 {
-    host &h = at(ctx);
-    h.note(printed("add %s %s %s %s source=%s created=%d new=%u ninth=%u", h.name(tree).c_str(), path,
-                   ns_name(ns).c_str(), quoted(value).c_str(), h.name(source).c_str(), created != nullptr,
-                   new_list_entry, ninth));
-    const faultno code = h.fails() ? h.fail_code : 0;
+    host &h = at(ctx).note("add", tree, path, ns, value, source, created != nullptr, new_list_entry, ninth);
+    const faultno code = h.answer();
     h.additions.push_back({path, value == nullptr ? text_or_null{} : text_or_null{value}, new_list_entry});
     if (code != 0)
         return code;
@@ -434,62 +393,55 @@ faultno dtf_map_datatree_add_path_flagged(dtf_map_ctx ctx, struct dtf_datatree *
 
 int dtf_map_is_request_delete(const struct dtf_datatree *node)
 {
-    current->note("is_delete " + current->name(node));
+    current->note("is_delete", node);
     return node->operation == 3 || node->operation == 4 ? 0x100 : 0;
 }
 
 int dtf_map_is_request_add(dtf_map_ctx ctx, const struct dtf_datatree *node)
 {
-    host &h = at(ctx);
-    h.note("is_add " + h.name(node));
-    return h.request.data_input != 0 && h.request.data_input != 10 && node->operation <= 2 ? 0x100 : 0;
+    const uint32_t kind = at(ctx).note("is_add", node).request.data_input;
+    return kind != 0 && kind != 10 && node->operation <= 2 ? 0x100 : 0;
 }
 
 int dtf_map_check_oc_leafref(dtf_map_ctx ctx, const char *list_path, const char *container, const char *key_tag,
                              const struct dtf_datatree *entry)
 {
-    host &h = at(ctx);
-    h.note(printed("leafref %s %s %s %s", list_path, container, key_tag, h.name(entry).c_str()));
+    host &h = at(ctx).note("leafref", list_path, container, key_tag, entry);
     return static_cast<int>(h.fails() ? h.fail_code : h.leafref);
 }
 
 void dtf_map_util_itree_stack_push(dtf_map_ctx ctx, struct dtf_datatree *children, uint32_t count,
                                    dtf_itree_callback callback)
 {
-    host &h = at(ctx);
-    h.note(printed("itree_push %s %u callback=%d", h.name(children).c_str(), count, callback != nullptr));
-    h.itree.push_back({children, count, callback});
+    at(ctx).note("itree_push", children, count, callback != nullptr).itree.push_back({children, count, callback});
 }
 
 void dtf_map_util_itree_stack_pop(dtf_map_ctx ctx)
 {
-    at(ctx).note("itree_pop");
-    current->violate(current->itree.empty(), "instance-tree stack is empty");
-    if (!current->itree.empty())
-        current->itree.pop_back();
+    host &h = at(ctx).note("itree_pop");
+    h.violate(h.itree.empty(), "instance-tree stack is empty");
+    h.itree.resize(std::max<std::size_t>(h.itree.size(), 1) - 1);
 }
 
 void dtf_map_util_itree_stack_peak(dtf_map_ctx ctx, struct dtf_itree_entry **entry)
 {
-    at(ctx).note("itree_peak");
-    *entry = current->itree.empty() ? nullptr : &current->itree.back();
+    host &h = at(ctx).note("itree_peak");
+    *entry = h.itree.empty() ? nullptr : &h.itree.back();
 }
 
 uint32_t dtf_map_util_itree_stack_size(dtf_map_ctx ctx)
 {
-    at(ctx).note("itree_size");
-    return static_cast<uint32_t>(current->itree.size());
+    return static_cast<uint32_t>(at(ctx).note("itree_size").itree.size());
 }
 
 void dtf_map_print_datatree_internal(dtf_map_ctx ctx, const struct dtf_datatree *tree, const char *label)
 {
-    at(ctx).note(printed("print %s %s", current->name(tree).c_str(), label));
+    at(ctx).note("print", tree, label);
 }
 
 char *dtf_strdup(const char *text, const char *tag)
 {
-    current->note("strdup " + quoted(text) + ' ' + quoted(tag));
-    char *copy = current->fails() ? nullptr : strdup(text);
+    char *copy = current->note("strdup", text, tag).fails() ? nullptr : strdup(text);
     if (copy != nullptr)
         current->copies.insert(copy);
     return copy;
@@ -497,15 +449,15 @@ char *dtf_strdup(const char *text, const char *tag)
 
 void plat_named_free(void *allocation)
 {
-    current->note("named_free " + quoted(static_cast<char *>(allocation)));
-    current->violate(allocation != nullptr && current->copies.erase(allocation) == 0, "freed what is no named copy");
+    host &h = current->note("named_free", static_cast<char *>(allocation));
+    h.violate(allocation != nullptr && h.copies.erase(allocation) == 0, "freed what is no named copy");
     std::free(allocation);
 }
 
 int dtf_strncpy_s(const char *function, char *destination, size_t size, const char *source, size_t count)
 {
-    current->note(printed("copy %s %zu %s", function, size, quoted(source).c_str()));
-    const std::string_view text(source == nullptr || current->fails(true) ? "" : source);
+    host &h = current->note("copy", function, size, source);
+    const std::string_view text(source == nullptr || h.fails(true) ? "" : source);
     const size_t wanted = std::min(text.size(), count), fit = std::min(wanted, size - 1);
     destination[text.copy(destination, fit)] = '\0';
     return fit == wanted && (source == nullptr || !text.empty() || *source == '\0') ? 0 : 1;
@@ -533,17 +485,15 @@ int access(const char *path, int mode) noexcept
 {
     if (std::strcmp(path, "/pkg/lib/libostore.so") != 0 || current == nullptr)
         return faccessat(AT_FDCWD, path, mode, 0);
-    current->note(printed("access %d", mode));
-    current->violate(library_found, "presence tested again");
-    const bool readable = !current->fails() && current->library_readable;
-    library_found = library_found || readable;
-    return readable ? 0 : -1;
+    host &h = current->note("access", mode);
+    h.violate(library_found, "presence tested again");
+    library_found = !h.fails() && h.library_readable;
+    return library_found ? 0 : -1;
 }
 
 faultno _ostore_bind(void **handle, const char *path, uint32_t options)
 {
-    host &h = *current;
-    h.note(printed("bind %s %u", path, options));
+    host &h = current->note("bind", path, options);
     h.violate(!library_found, "bind without library");
     *handle = nullptr;
     if (h.fails())
@@ -555,56 +505,56 @@ faultno _ostore_bind(void **handle, const char *path, uint32_t options)
 
 faultno ostore_item_get(void *handle, const char *item, uint32_t *word, void **data, uint32_t *length, uint32_t options)
 {
-    host &h = *current;
-    h.note(printed("get %s %u %u", item, *word, options));
+    host &h = current->note("get", item, *word, options);
     *word = 0xdeadbeef;
     if (!h.binds.contains(handle))
         return h.violate(true, "get without binding"), 1;
+    if (h.fails())
+        return h.fail_code;
     const auto found = h.items.find(static_cast<char *>(handle) + std::string(item));
-    if (h.fails() || found == h.items.end())
-        return found == h.items.end() ? 0x8081c205 : h.fail_code;
-    *data = std::malloc(host::parcel_length);
+    if (found == h.items.end())
+        return 0x8081c205;
+    *data = std::malloc(*length = host::parcel_length);
     std::memcpy(*data, h.parcel(found->second), host::parcel_length);
-    *length = host::parcel_length;
     h.blocks.push_back(*data);
     return 0;
 }
 
 void _ostore_unbind(void *handle)
 {
-    current->note("unbind");
-    current->violate(current->binds.erase(handle) == 0, "unbound what is not bound");
+    host &h = current->note("unbind");
+    h.violate(h.binds.erase(handle) == 0, "unbound what is not bound");
     std::free(handle);
 }
 
 faultno parcel_header_info(const void *, parcel_header_td *header)
 {
-    current->note("header");
-    if (current->fails())
-        return current->fail_code;
-    *header = {"inv_basic", 3, -1};
-    return 0;
+    const faultno code = current->note("header").answer();
+    if (code == 0)
+        *header = {"inv_basic", 3, -1};
+    return code;
 }
 
 faultno parcel_generic_init(const void *parcel, uint32_t length, parcel_walk_td *walk)
 {
-    current->note(printed("walk %u", length));
-    if (current->fails())
-        return current->fail_code;
+    host &h = current->note("walk", length);
+    if (h.fails())
+        return h.fail_code;
     std::memset(walk, 0xa5, sizeof *walk);
     std::memcpy(&walk->state[0], parcel, sizeof(void *));
     walk->state[1] = 0;
-    ++current->walks;
+    ++h.walks;
     return 0;
 }
 
 faultno parcel_generic_token(parcel_walk_td *walk, parcel_token_td *token)
 {
-    host &h = *current;
-    h.note(printed("token %u", static_cast<unsigned>(walk->state[1])));
+    host &h = current->note("token", walk->state[1]);
     const auto &tokens = *reinterpret_cast<const std::vector<recording::token> *>(walk->state[0]);
-    if (h.fails() || walk->state[1] >= tokens.size())
-        return walk->state[1] >= tokens.size() ? 0x8081f001 : h.fail_code;
+    if (h.fails())
+        return h.fail_code;
+    if (walk->state[1] >= tokens.size())
+        return 0x8081f001;
     const recording::token &next = tokens[walk->state[1]++];
     const auto owned = [&](const text_or_null &text) -> const char * {
         return text ? static_cast<char *>(*h.token_texts.insert(strdup(text->c_str())).first) : nullptr;
@@ -623,23 +573,19 @@ faultno parcel_generic_token(parcel_walk_td *walk, parcel_token_td *token)
 
 void parcel_generic_free_token_allocations(parcel_token_td *token)
 {
-    host &h = *current;
-    h.note("release " + quoted(token->field_name));
-    const auto release = [&](const char *text) {
+    host &h = current->note("release", token->field_name);
+    for (const char *text :
+         {token->field_name, token->second_text, token->type == PARCEL_TOKEN_TEXT ? token->value.text : nullptr}) {
         h.violate(text != nullptr && h.token_texts.erase(const_cast<char *>(text)) == 0, "token released twice");
         std::free(const_cast<char *>(text));
-    };
-    release(token->field_name);
-    release(token->second_text);
-    if (token->type == PARCEL_TOKEN_TEXT)
-        release(token->value.text);
+    }
     --h.tokens_held;
 }
 
 void parcel_generic_destroy(parcel_walk_td *)
 {
-    current->note("destroy");
-    current->violate(current->walks-- == 0, "walk ended twice");
+    host &h = current->note("destroy");
+    h.violate(h.walks-- == 0, "walk ended twice");
 }
 
 const char *inet_ntoa_r(uint32_t address)

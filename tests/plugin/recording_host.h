@@ -2,8 +2,8 @@
  * A recording double of everything the plug-in calls: framework, reporting sinks, parcel library, database client.
  *
  * Use: make a `host` (it becomes the one that all C operations answer for), plant an input tree, set what it shall
- * answer, call the plug-in with &host.context and &host.out, then compare lines, additions and reports as a whole, and
- * ask imbalance() for what was not given back or broke the contract: it is "" after every call of the plug-in.
+ * answer, call the plug-in with &host.context and &host.out, then compare lines and additions as a whole, and ask
+ * imbalance() for what was not given back or broke the contract: it is "" after every call of the plug-in.
  *
  *     recording::host host({"0/1-CHMON-PRE"});
  *     dtf_datatree *in = host.plant("channel-monitors{channel-monitor{name=0/1-CHMON-PRE config@3}}", uri);
@@ -19,6 +19,8 @@
  */
 #pragma once
 #include "oc_chmon.h"
+#include <concepts>
+#include <deque>
 #include <functional>
 #include <map>
 #include <memory>
@@ -54,24 +56,12 @@ struct addition {
     uint32_t new_list_entry;
 };
 
-/* A reporting place, as its site word tells it. The word is all ones first, and what the host left there after that. */
-struct site {
-    uint32_t word = 0xffffffff;
-    std::string format{}, function{};
-    int line = 0;
-};
-
-/* One report. function and line are known while the trace buffer is on, site while the debug log takes the level. */
-struct report {
-    std::string level, text, function{};
-    int line = 0;
-    recording::site *site = nullptr;
-};
-
 std::string printed(const char *format, ...) DTF_PRINTF_LIKE(1, 2);
 
 /* The loops run each share()-th of their cases: CHMON_SHARE, else all, or a quarter with the address sanitizer. */
 std::size_t share();
+
+constexpr std::size_t traced = 60;
 
 struct host {
     explicit host(const std::vector<std::string> &inventory = {});
@@ -96,12 +86,11 @@ struct host {
     /* Called at every line, before the plug-in goes on: for a test that follows the states between two calls. */
     std::function<void()> watch{};
 
-    /* Records. A report is a line too: "TRC function: text", or "TRC text" while the trace buffer is off. */
-    std::vector<std::string> lines;
+    /* Records. A report is a line too: "TRC function: text", or "TRC text" while the trace buffer is off; while only
+     * that is on, so much of the text as always fits its lines. */
+    std::vector<std::string> lines, violations;
     std::vector<addition> additions;
-    std::vector<report> reports;
-    std::vector<std::string> violations;
-    std::size_t calls = 0, should_log_calls = 0, indices_drawn = 0;
+    std::size_t calls = 0;
 
     /* An input tree; belongs to the host. nodes are in document order, additions at the end. */
     dtf_datatree *plant(const std::string &text, const char *ns);
@@ -117,27 +106,42 @@ struct host {
     /* What was not given back, beyond what the instance-tree stack held at entry, and what broke the contract. */
     std::string imbalance(std::size_t stack_at_entry = 0);
 
-    /* The rest serves the operations. */
-    void note(const std::string &line);
+    /* The rest serves the operations. A line is a word and what it was given: nodes by name, texts in quotes. */
+    template <typename... T> host &note(const char *word, const T &...given)
+    {
+        std::string line = word;
+        ((line += ' ' + shown(given)), ...);
+        finish_report();
+        add_line(line);
+        return *this;
+    }
+    static std::string shown(const char *text) { return text == nullptr ? "null" : '"' + std::string(text) + '"'; }
+    static std::string shown(std::integral auto number) { return std::to_string(number); }
+    std::string shown(const dtf_datatree *node) const { return name(node); }
+    void add_line(const std::string &line);
     void violate(bool broken, std::string_view what);
     bool fails(bool copy = false);
+    faultno answer() { return fails() ? fail_code : 0; }
     const std::string &name(const dtf_datatree *node) const;
     const char *sprout(dtf_datatree &node, const char *p, const char *ns);
     void number(dtf_datatree &node);
     dtf_datatree *append(dtf_datatree &parent, const char *tag, const char *ns);
-    void reported(const char *level, const std::string &text);
     void finish_report();
     std::map<const dtf_datatree *, std::string> names;
-    std::vector<std::unique_ptr<std::vector<dtf_datatree>>> arrays;
+    std::deque<std::vector<dtf_datatree>> arrays;
     std::vector<std::unique_ptr<char[]>> texts;
     std::vector<const dtf_datatree *> output_list;
     std::vector<dtf_itree_entry> itree;
     std::set<void *> copies, binds, token_texts;
     std::vector<void *> blocks;
-    std::vector<std::unique_ptr<std::vector<token>>> parcels;
+    std::deque<std::vector<token>> parcels;
+    std::deque<const std::vector<token> *> parcel_bytes;
     std::size_t tokens_held = 0, walks = 0;
+    /* The report that is being made: its level where the debug log wants it, its trace index, its place and message
+     * once logged. */
     std::optional<uint32_t> asked_level{}, drawn{};
-    std::string log_start;
+    uint32_t *site_word = nullptr;
+    std::string format, logged, log_start;
     host *previous;
 };
 

@@ -1,7 +1,7 @@
 /*
- * What the plug-in shall do, told a second time in the shortest form: names, inventory, records, hooks and
- * transformations, and both models' nodes as one table. It calls the recording double as the plug-in does, so that two
- * runs compare line by line. The bounded copies are left out: they are compared nowhere.
+ * What the plug-in shall do, told a second time in the shortest form: names, inventory, hooks and transformations, and
+ * both models' nodes as one table. It calls the recording double as the plug-in does, so that two runs compare line by
+ * line. The bounded copies are left out: they are compared nowhere.
  */
 #pragma once
 #include "recording_host.h"
@@ -18,10 +18,12 @@ using std::string;
 inline void report(const char *level, const string &function, const string &text)
 {
     current->finish_report();
+    const bool logged =
+        (current->context.debug_filter.levels >> (*level == 'E' ? DTF_LEVEL_ERR : DTF_LEVEL_TRC) & 1) != 0;
     if (current->context.trace_on != 0)
-        current->note(level + (' ' + function) + ": " + text);
-    else if (current->context.debug_filter.levels >> (*level == 'E' ? DTF_LEVEL_ERR : DTF_LEVEL_TRC) & 1)
-        current->note(level + (' ' + text));
+        current->add_line(level + (' ' + function) + ": " + (logged ? text : text.substr(0, recording::traced)));
+    else if (logged)
+        current->add_line(level + (' ' + text));
 }
 inline void trc(const string &function, const string &text) { report("TRC", function, text); }
 inline void err(const string &function, const string &text) { report("ERR", function, text); }
@@ -66,117 +68,7 @@ inline string ingress_port(const string &chmon)
     return printed("%s-OtsCtrl-0/%d", prefix.c_str(), has(chmon, "-CHMON-PRE"));
 }
 
-/* --------------------------------------------------------------------------------------- records and inventory -- */
-
-inline void convert(const parcel_token_td &token, string &output)
-{
-    const auto text = [](const char *given) { return string(given == nullptr ? "" : given).substr(0, 199); };
-    // clang-format off
-    switch (token.type) {
-    case 0: output = std::to_string(token.value.i8); break;
-    case 1: output = std::to_string(token.value.u8); break;
-    case 2: output = std::to_string(token.value.i16); break;
-    case 3: output = std::to_string(token.value.u16); break;
-    case 4: case 9: output = std::to_string(token.value.i32); break;
-    case 5: output = std::to_string(token.value.u32); break;
-    case 8: output = inet_ntoa_r(token.value.ipv4); break;
-    case 10: output = token.value.boolean != 0 ? "TRUE" : "FALSE"; break;
-    case 12: output = text(token.value.text); break;
-    case 13: output = text(token.second_text); break;
-    default: trc("convert_parcel_value_to_str", printed("UNKNOWN TOKEN TYPE %d - ERROR]\n", static_cast<int>(token.type)));
-    }
-    // clang-format on
-}
-
-inline faultno get_value(const string &field, uint32_t wanted, const void *parcel, uint32_t length, string &output)
-{
-    const char *const me = "get_value_in_parcel";
-    const auto failed = [me](const char *what, faultno rc) {
-        trc(me, string(what) + " failed: " + fault_strerror(rc));
-        return rc;
-    };
-    trc(me, "Start");
-    std::vector<string> names;
-    for (std::size_t at = 0, end = 0; (at = field.find_first_not_of('.', end)) != string::npos;
-         names.push_back(field.substr(at, end - at)))
-        end = std::min(field.find('.', at), field.size());
-    if (names.empty() || names.size() > 10 || field.size() > 199)
-        return FAULT_INVALID_ARGS;
-    parcel_header_td header{};
-    parcel_walk_td walk{};
-    parcel_token_td token{};
-    if (parcel == nullptr)
-        return trc(me, "NULL == parcel_data"), 0xffffffff;
-    if (const faultno rc = parcel_header_info(parcel, &header))
-        return failed("parcel_header_info", rc);
-    trc(me, printed("[parcel (len %u)] \t (%s v%d.%d)", length, header.schema, header.major, header.minor));
-    if (const faultno rc = parcel_generic_init(parcel, length, &walk))
-        return failed("parcel_generic_init", rc);
-    faultno rc = 0;
-    for (std::size_t met = 0; met < names.size() && token.type != 18;) {
-        if ((rc = parcel_generic_token(&walk, &token)) != 0) {
-            failed("parcel_generic_token", rc);
-            break;
-        }
-        met += (token.field_name == nullptr ? "" : token.field_name) == names[met];
-        parcel_token_td inner{};
-        for (bool more = met == names.size() && token.type == 14; more;) {
-            more = (rc = parcel_generic_token(&walk, &inner)) == 0 && inner.type != wanted && inner.type != 15;
-            if (rc == 0 && inner.type == wanted)
-                convert(inner, output);
-            if (rc == 0)
-                parcel_generic_free_token_allocations(&inner);
-            else
-                failed("parcel_generic_token", rc);
-        }
-        if (met == names.size() && token.type != 14)
-            convert(token, output);
-        parcel_generic_free_token_allocations(&token);
-    }
-    trc(me, "parcel_generic_destroy");
-    parcel_generic_destroy(&walk);
-    return rc;
-}
-
-/* The client library is taken to have been found. */
-inline faultno get_data(const char *bind_path, const string &item, void **data, uint32_t *length)
-{
-    const char *const me = "ostore_get_data";
-    trc(me, "path " + item);
-    void *handle = nullptr;
-    uint32_t word = 7;
-    if (const faultno rc = _ostore_bind(&handle, bind_path, 0))
-        return trc(me, string("ostore_bind failed ") + fault_strerror(rc)), rc;
-    faultno rc = 0;
-    if (handle != nullptr) {
-        rc = ostore_item_get(handle, item.c_str(), &word, data, length, 0);
-        if (rc != 0)
-            trc(me, string("ostore_item_get failed: ") + fault_strerror(rc));
-        trc(me, "ostore_unbind");
-        _ostore_unbind(handle);
-    }
-    return trc(me, "return"), rc;
-}
-
-inline faultno inventory_name(const string &chmon, string &output)
-{
-    const char *const me = "ostore_get_amp_name_from_inventory";
-    trc(me, "chmon_name_key " + chmon);
-    string entity = chmon;
-    if (has(chmon, "/"))
-        entity.replace(chmon.find('/'), 1, "%2f");
-    void *data = nullptr;
-    uint32_t length = 0;
-    const auto item = (entity + "/attrib/inv_basic_parcel").substr(0, 255);
-    faultno rc = get_data("/oper/inventory/gl/entity/", item, &data, &length);
-    if (rc != 0)
-        trc(me, "rc != FAULT_SUCCESS");
-    else
-        rc = get_value("inv_phy_entity_basic_info.Name", 12, data, length, output);
-    std::free(data);
-    return rc;
-}
-
+/* The inventory read is the plug-in's own, and held to its answers elsewhere. */
 inline bool controller_is_good(const string &name)
 {
     const char *const me = "check_controller_name_ots_is_good", *const n = name.c_str();
@@ -188,8 +80,8 @@ inline bool controller_is_good(const string &name)
     if (slot < 0 || slot > 3)
         return err(me, printed("Invalid controller_name [%s] and slot id [%d], discard it!", n, slot)), false;
     const string chmon = printed("0/%d-CHMON-%s", slot, port == 1 ? "PRE" : "BST");
-    string output;
-    const bool good = inventory_name(chmon, output) == 0;
+    char found[200];
+    const bool good = ostore_get_amp_name_from_inventory(&current->context, chmon.c_str(), found) == 0;
     if (!good)
         err(me, "Chmon_name [" + chmon + "] is not present in ostore inventory, discard it!");
     return good;

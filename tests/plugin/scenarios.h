@@ -33,13 +33,14 @@ struct scenario {
                                           "0/2-CHMON-PRE", "0/3-CHMON-BST", "0/3-CHMON-PRE"};
 };
 
-/* As the members of the same name of `host`; reports: whether the two sinks are open, and
- * the states at each line count. */
+/* As the members of the same name of `host`; sinks: 1 the trace buffer is open, 2 the log of errors, 4 that of traces;
+ * with all open the states at each line count, too. */
+constexpr std::size_t all_sinks = 7;
 struct circumstance {
     std::size_t fail_at = 0;
     bool fail_on = false, fail_copies = false;
     faultno code = 0x1234;
-    bool reports = true;
+    std::size_t sinks = all_sinks;
 };
 
 struct outcome {
@@ -61,8 +62,7 @@ scenario generated(uint32_t seed);
 /* Things that may be odd about one node. */
 extern const std::vector<void (*)(dtf_datatree &)> oddities;
 
-/* readable: sums over the states are written out, to explain a difference. */
-outcome run(const scenario &s, const circumstance &c, bool by_account, bool readable = false);
+outcome run(const scenario &s, const circumstance &c, bool by_account);
 
 /* "" when the plug-in does what the account does and nothing broke; else what repeats it and the first difference.
  * calls: how many calls could have failed. */

@@ -1,34 +1,24 @@
 /* Names, numbers, records, inventory, path search and texts: against the reference over products of odd parts. */
+#include "../framework/guarded_page.h"
 #include "figure.h"
 #include "scenarios.h"
-#include <climits>
 #include <clocale>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <random>
-#include <sys/mman.h>
 
 using namespace recording;
 using namespace reference;
 
 namespace {
 
-/* Blocks that end where an unmapped page begins, so that a byte beyond them stops the process. */
-template <std::size_t size> struct buffer {
-    static constexpr std::size_t pages = (size + 4095) / 4096 * 4096;
-    char *map =
-        static_cast<char *>(mmap(nullptr, pages + 4096, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-    char *const bytes = map + pages - size;
-    buffer()
-    {
-        EXPECT_EQ(mprotect(map + pages, 4096, PROT_NONE), 0);
-        std::memset(bytes, '#', size);
-        *bytes = '\0';
-    }
-    ~buffer() { munmap(map, pages + 4096); }
+/* The last bytes before an unmapped page, so that a byte beyond them stops the process. */
+template <std::size_t size> struct buffer : guarded_page {
+    char *const bytes = last(size);
     /* A text at the block's very end. */
-    const char *hold(const string &text) { return std::strcpy(bytes + size - 1 - text.size(), text.c_str()); }
+    const char *hold(const string &text) { return std::strcpy(end() - 1 - text.size(), text.c_str()); }
     string text() const { return {bytes, strnlen(bytes, size)}; }
 };
 
@@ -50,6 +40,20 @@ string text_of(const string &cycle, std::size_t length)
     return text.substr(0, length);
 }
 
+/* Every text that is put together of one part from each row. */
+std::vector<string> products(const std::vector<std::vector<string>> &rows)
+{
+    std::vector<string> all = {""};
+    for (const auto &row : rows) {
+        std::vector<string> longer;
+        for (const string &before : all)
+            for (const string &part : row)
+                longer.push_back(before + part);
+        all = std::move(longer);
+    }
+    return all;
+}
+
 } // namespace
 
 /* Every text function, inputs of each length, the output ending at an unmapped page. */
@@ -59,41 +63,46 @@ TEST(utility, bounds)
     figure all{"bounds", 20000 / share()};
     buffer<601> input, value;
     buffer<200> path, output;
-    string expected;
+    string found;
     for (std::size_t length = 0; length <= 600; length += length < 30 || length % 100 > 50 ? 1 : share())
         for (const string &cycle : cycles) {
             const string given = text_of(cycle, length);
             const char *const text = input.hold(given);
-            ASSERT_EQ(converted(convert_ctrl_key_to_chmon_key, text), chmon_name(given)) << given;
-            ASSERT_EQ(converted(convert_oc_key_to_controller_key, text), controller_name(given)) << given;
-            ASSERT_EQ(converted(convert_amplifier_key_to_ingress_port, text), ingress_port(given)) << given;
+            all.equal(converted(convert_ctrl_key_to_chmon_key, text), chmon_name(given), given);
+            all.equal(converted(convert_oc_key_to_controller_key, text), controller_name(given), given);
+            all.equal(converted(convert_amplifier_key_to_ingress_port, text), ingress_port(given), given);
             const auto both = [&](auto plugin, auto account) {
                 string told[2];
                 for (const bool real : {true, false}) {
                     host h({"0/2-CHMON-PRE"});
                     h.context.trace_on = length % 16 == 0;
                     h.context.debug_filter.levels = length % 16 < 2 ? 9 : 0;
-                    expected = std::strcpy(output.bytes, "untouched");
-                    const auto rc = real ? plugin(h) : account(h);
-                    told[real] =
-                        printed("%x %s\n", static_cast<unsigned>(rc), real ? output.text().c_str() : expected.c_str()) +
-                        h.text("access copy") + h.imbalance();
+                    found = std::strcpy(output.bytes, "untouched");
+                    const int rc = real ? plugin(h) : account();
+                    told[real] = printed("%d %s\n", rc, real ? output.text().c_str() : found.c_str()) +
+                                 h.text("access copy") + h.imbalance();
                 }
-                ++all.cases;
-                ASSERT_EQ(told[1], told[0]) << given;
+                all.equal(told[1], told[0], given);
             };
             both([&](host &h) { return check_controller_name_ots_is_good(&h.context, text); },
-                 [&](host &) { return controller_is_good(given); });
-            both([&](host &h) { return ostore_get_amp_name_from_inventory(&h.context, text, output.bytes); },
-                 [&](host &) { return inventory_name(given, expected); });
-            const std::vector<token> tokens = {{5, "a"}, {12, given, given}, {13, "b", given}, {18}};
-            for (const string &field : {given, string("a.b")})
-                both(
-                    [&](host &h) {
-                        return get_value_in_parcel(&h.context, field == given ? text : "a.b", 12, h.parcel(tokens), 8,
-                                                   output.bytes);
-                    },
-                    [&](host &h) { return get_value(field, 12, h.parcel(tokens), 8, expected); });
+                 [&] { return controller_is_good(given); });
+            host store;
+            store.null_handle = length % 2 == 0;
+            (void)ostore_get_amp_name_from_inventory(&store.context, text, output.bytes);
+            const auto slash = given.find('/');
+            const string entity = slash == string::npos ? given : string(given).replace(slash, 1, "%2f"),
+                         item = (entity + "/attrib/inv_basic_parcel").substr(0, 255);
+            all.equal(store.null_handle || has(store.text(), ("get \"" + item + "\" 7 0\n").c_str()), true, given);
+            std::size_t components = 0;
+            for (std::size_t i = 0; i < length; ++i)
+                components += given[i] != '.' && (i == 0 || given[i - 1] == '.');
+            const bool valid = length < 200 && components > 0 && components <= 10;
+            all.equal(get_value_in_parcel(&store.context, text, 12, store.parcel({{18}}), 8, output.bytes),
+                      valid ? 0 : FAULT_INVALID_ARGS, given);
+            for (const uint32_t type : {12u, 13u}) {
+                (void)get_value_in_parcel(&store.context, "a", 12, store.parcel({{type, "a", given}}), 8, output.bytes);
+                all.equal(output.text(), given.substr(0, 199), given);
+            }
             dtf_datatree leaf{}, root{};
             root.tag = leaf.tag = text, leaf.value = value.hold(given);
             root.flags = DTF_FLAG_VALID | DTF_FLAG_HAS_SUBTREE, leaf.flags = DTF_FLAG_VALID | DTF_FLAG_HAS_VALUE;
@@ -102,15 +111,14 @@ TEST(utility, bounds)
             *path.bytes = '\0';
             both([&, w = wanted.c_str()](
                      host &h) { return compare_path_and_return_data(&h.context, &root, w, path.bytes, output.bytes); },
-                 [&](host &) { return find_value(&root, wanted, "", expected); });
+                 [&] { return find_value(&root, wanted, "", found); });
             for (const id n : {name, config_name, state_name, state_power, port_name, slice_power, interface_name})
                 if (length < 25 || length % 50 < 3) {
                     scenario hooked{n, length % 2 == 0 ? 10u : 0u, nodes[n].tag};
                     hooked.function = 'h';
                     hooked.change = [&](host &h) { h.nodes[0]->value = value.hold(given); };
                     hooked.inventory.resize(1);
-                    ++all.cases;
-                    ASSERT_EQ(compare(hooked, {.reports = length % 50 == 0}), "") << given;
+                    all.expect(compare(hooked, {.sinks = length % 50}));
                 }
         }
 }
@@ -124,18 +132,15 @@ TEST(utility, replace_and_copy)
     EXPECT_STREQ(replace_str("%s/%n", "/", "%s%s"), "%s%s%s%n");
     EXPECT_STREQ(replace_str(replace_str(text.c_str(), "b", "//"), "//", "longer"), "alonger//c");
     EXPECT_EQ(replace_str(text.c_str(), "x", "y"), text.c_str());
-    buffer<4300> given;
     for (std::size_t length = 4000; length <= 4200; ++length)
         for (const std::size_t at : {std::size_t{0}, length / 2, length - 2})
             for (const string &replacement : {string(), string("%2f"), string("%s%n"), string(90, 'r')}) {
                 const string input = string(length, 'a').replace(at, 2, "//");
-                const char *const held = given.hold(input), *const result =
-                                                                replace_str(held, "//", replacement.c_str());
-                ++all.cases;
+                const char *const result = replace_str(input.c_str(), "//", replacement.c_str());
                 if (length - 2 + replacement.size() < 4096)
-                    ASSERT_EQ(result, string(input).replace(at, 2, replacement)) << length;
+                    all.equal(string(result), string(input).replace(at, 2, replacement), input);
                 else
-                    ASSERT_EQ(static_cast<const void *>(result), held) << length;
+                    all.equal(result, input.c_str(), input);
             }
     buffer<8> room;
     for (std::size_t size = 1; size < 8; ++size)
@@ -143,7 +148,7 @@ TEST(utility, replace_and_copy)
             for (const string &source : {string(), string("abc"), string("abcdefghij")}) {
                 char *const destination = room.bytes + 8 - size;
                 const string wanted = source.substr(0, count), held = wanted.substr(0, size - 1);
-                EXPECT_EQ(strncpy_s(destination, size, given.hold(source), count) != 0, held != wanted)
+                EXPECT_EQ(strncpy_s(destination, size, source.c_str(), count) != 0, held != wanted)
                     << size << ' ' << count << source;
                 EXPECT_EQ(string(destination), held);
             }
@@ -165,31 +170,25 @@ TEST(utility, names)
     const std::vector<string> numbers = {"", "0", "1", "2", "3", "4", "12", " 2", "\t\n+2", "+-1", "- 1", "-1", "-0", "000000000000000000001", "1x", "0x1",
         "2147483647", "2147483648", "-2147483648", "-2147483649", "4294967296", "4294967298", "18446744073709551617"};
     // clang-format on
-    for (const char *prefix : {"Ots0/", "ots0/", "Ots1/", "Ots0/ ", " Ots0/", "O", "", "%s%n"})
-        for (const string &slot : numbers)
-            for (const char *middle : {"/0/", "/1/", "/00/", "/0/ ", " /0/", "/", ""})
-                for (const string &port_number : numbers) {
-                    const string given = prefix + slot + middle + port_number;
-                    ++all.cases;
-                    ASSERT_EQ(converted(convert_ctrl_key_to_chmon_key, given.c_str()), chmon_name(given)) << given;
-                    host h({"0/0-CHMON-BST", "0/1-CHMON-PRE", "0/2-CHMON-BST"});
-                    h.context.trace_on = h.context.debug_filter.levels = 0;
-                    const int good = check_controller_name_ots_is_good(&h.context, given.c_str());
-                    const auto read = scan(given, {"Ots0/", "/0/"});
-                    accepted_out_of_range += good == 1 && (read[0] < 0 || read[0] > 3 || read[1] < 0 || read[1] > 1);
-                    ASSERT_EQ(good, controller_is_good(given)) << given;
-                }
-    for (const char *prefix : {"0/", "0/ ", "1/", "/", ""})
-        for (const string &slot : numbers)
-            for (const char *middle : {"-CHMON-", "-CHMON", "CHMON-", "-", ""})
-                for (const char *amplifier : {"PRE", "BST", "XPREX", "PR", "pre", "", "----------------PRE"}) {
-                    const string given = prefix + slot + middle + amplifier;
-                    ++all.cases;
-                    ASSERT_EQ(converted(convert_oc_key_to_controller_key, given.c_str()), controller_name(given))
-                        << given;
-                    ASSERT_EQ(converted(convert_amplifier_key_to_ingress_port, given.c_str()), ingress_port(given))
-                        << given;
-                }
+    for (const string &given : products({{"Ots0/", "ots0/", "Ots1/", "Ots0/ ", " Ots0/", "O", "", "%s%n"},
+                                         numbers,
+                                         {"/0/", "/1/", "/00/", "/0/ ", " /0/", "/", ""},
+                                         numbers})) {
+        all.equal(converted(convert_ctrl_key_to_chmon_key, given.c_str()), chmon_name(given), given);
+        host h({"0/0-CHMON-BST", "0/1-CHMON-PRE", "0/2-CHMON-BST"});
+        h.context.trace_on = h.context.debug_filter.levels = 0;
+        const bool good = check_controller_name_ots_is_good(&h.context, given.c_str()) == 1;
+        const auto read = scan(given, {"Ots0/", "/0/"});
+        accepted_out_of_range += good && (read[0] < 0 || read[0] > 3 || read[1] < 0 || read[1] > 1);
+        all.equal(good, controller_is_good(given), given);
+    }
+    for (const string &given : products({{"0/", "0/ ", "1/", "/", ""},
+                                         numbers,
+                                         {"-CHMON-", "-CHMON", "CHMON-", "-", ""},
+                                         {"PRE", "BST", "XPREX", "PR", "pre", "", "----------------PRE"}})) {
+        all.equal(converted(convert_oc_key_to_controller_key, given.c_str()), controller_name(given), given);
+        all.equal(converted(convert_amplifier_key_to_ingress_port, given.c_str()), ingress_port(given), given);
+    }
     // By hand, so that the reference is held too.
     // clang-format off
     const struct { void (*convert)(const char *, char *); string from, to; } by_hand[] = {
@@ -243,13 +242,13 @@ int64_t cut_hundredths(uint64_t digits, uint64_t power_of_ten)
     return static_cast<int64_t>(scale >= 0 ? rounded >> scale : rounded << -scale);
 }
 
-string added_for(id n, const char *value, uint32_t kind = 10)
+/* What a power leaf with this value comes to. */
+string added_for(id n, const string &value)
 {
     host h;
     h.context.trace_on = h.context.debug_filter.levels = 0;
-    h.request.data_input = kind;
     dtf_datatree leaf{};
-    leaf.value = value;
+    leaf.value = value.c_str();
     EXPECT_EQ(call(nodes[n].transformation, &h.context, &leaf, &h.out), 0u);
     return h.additions.empty() ? "none" : *h.additions[0].value;
 }
@@ -270,106 +269,114 @@ TEST(utility, numbers)
         EXPECT_EQ(power(native.c_str()), expected); // the reference, held by hand
     for (const auto &[decimal, expected] : to_low)
         EXPECT_EQ(native_power(decimal.c_str()), expected);
-    for (const char *before : {"", " ", "\n\t", "+", "-", "--", "+-", "- ", "x"})
-        for (const string &body : {string(), string("0"), string("7.5"), string(".5"), string("5."), string("."), string("1e"), string("1e+"), string("1e3"),
-                 string("25e-1x"), string("1e308"), string("1e-400"), string("0x"), string("0x.8"), string("0X1p4"), string("0xg"), string("0x1p"), string("nan"),
-                 string("NAN(12)"), string("nan("), string("inf"), string("infinity"), string("infinit"), string("INFINIT"), string("2147483648"), string(300, '9'), string(199, '0') + '5'}) {
-            to_high[before + body] = power((before + body).c_str());
-            to_low[before + body] = native_power((before + body).c_str());
-        }
+    for (const string &text : products({{"", " ", "\n\t", "+", "-", "--", "+-", "- ", "x"},
+            {"", "0", "7.5", ".5", "5.", ".", "1e", "1e+", "1e3", "25e-1x", "1e308", "1e-400", "0x", "0x.8", "0X1p4", "0xg", "0x1p", "nan", "NAN(12)", "nan(", "inf",
+             "infinity", "infinit", "INFINIT", "2147483648", string(300, '9'), string(199, '0') + '5'}}))
+        to_high[text] = power(text.c_str()), to_low[text] = native_power(text.c_str());
     // clang-format on
-    const auto check = [&](const char *locale) {
+    const auto check_boundaries = [&](const char *name) {
+        figure boundaries{name, 500};
         for (const auto &[native, expected] : to_high)
-            EXPECT_EQ(added_for(slice_power, native.c_str()), expected) << native << locale;
+            boundaries.equal(added_for(slice_power, native), expected, native);
         for (const auto &[decimal, expected] : to_low)
-            EXPECT_EQ(added_for(state_power, decimal.c_str()), expected) << decimal << locale;
+            boundaries.equal(added_for(state_power, decimal), expected, decimal);
     };
-    check("");
+    check_boundaries("boundaries");
     std::mt19937_64 random(1);
     const std::size_t end = 1000000 / share() / share();
     figure decimals{"decimals", end};
-    for (; decimals.cases < end; ++decimals.cases) {
-        const bool negative = random() % 2 == 0;
+    for (std::size_t i = 0; i < end; ++i) {
+        const string sign = random() % 2 == 0 ? "-" : "";
         const uint64_t count = random() >> (14 + random() % 50); // up to 15 digits
-        const string sign = negative ? "-" : "";
-        if (decimals.cases % 2 == 0) {
-            const string native = sign + printed("%ju", count),
-                         high = sign + printed("%ju.%02ju", count / 100, count % 100);
-            ASSERT_EQ(added_for(slice_power, native.c_str()), high) << native;
+        if (i % 2 == 0) {
+            const string native = sign + printed("%ju", count);
+            decimals.equal(added_for(slice_power, native), sign + printed("%ju.%02ju", count / 100, count % 100),
+                           native);
             continue;
         }
-        uint64_t ten = 1;
-        int places = static_cast<int>(random() % 9);
-        for (int i = 0; i < places; ++i)
-            ten *= 10;
+        const int places = static_cast<int>(random() % 9);
+        const auto ten = static_cast<uint64_t>(std::pow(10, places));
         const string decimal = sign + printed(places == 0 ? "%ju." : "%ju.%0*ju", count / ten, places, count % ten);
         const int64_t cut = cut_hundredths(count, ten),
-                      low = negative ? std::max<int64_t>(-cut, INT32_MIN) : std::min<int64_t>(cut, INT32_MAX);
-        ASSERT_EQ(added_for(state_power, decimal.c_str()), std::to_string(low)) << decimal;
+                      low = sign.empty() ? std::min<int64_t>(cut, INT32_MAX) : std::max<int64_t>(-cut, INT32_MIN);
+        decimals.equal(added_for(state_power, decimal), std::to_string(low), decimal);
     }
     // The C locale's numbers with every point made a comma; no machine here need have another locale.
-    const auto folder = std::filesystem::path(testing::TempDir()) / "comma_locale" / "xx";
-    std::filesystem::create_directories(folder);
+    const auto folder = std::filesystem::path(testing::TempDir()) / "comma_locale";
+    std::filesystem::create_directories(folder / "xx");
     std::ifstream from("/usr/lib/locale/C.utf8/LC_NUMERIC", std::ios::binary);
     string bytes{std::istreambuf_iterator<char>(from), {}};
     std::replace(bytes.begin(), bytes.end(), '.', ',');
-    std::ofstream(folder / "LC_NUMERIC", std::ios::binary) << bytes;
-    setenv("LOCPATH", folder.parent_path().c_str(), 1);
+    std::ofstream(folder / "xx" / "LC_NUMERIC", std::ios::binary) << bytes;
+    setenv("LOCPATH", folder.c_str(), 1);
     if (std::setlocale(LC_NUMERIC, "xx") == nullptr || printed("%.1f", 0.5) != "0,5")
-        GTEST_SKIP() << "no locale with a comma can be made here";
-    check(" under a comma locale");
+        GTEST_SKIP() << "no locale with a decimal comma can be made here: numbers are not tested under one";
+    check_boundaries("boundaries_under_a_comma_locale");
     std::setlocale(LC_NUMERIC, "C");
 }
 
-/* Fields of records, every library call failing in turn. */
+/* Fields of records: code, what is written and how many library calls, by hand; then each of the calls failing. */
 TEST(utility, records)
 {
-    figure all{"records", 800};
-    const string name199 = string(99, 'a') + '.' + string(99, 'b');
-    // clang-format off
-    std::vector<std::pair<string, std::vector<token>>> records = {
-        {"a.b", {{5, "b", {}, 1}, {5, "a"}, {4, {}}, {4, "c"}, {4, "b", {}, 0x80000000}, {4, "b"}, {18}}},
-        {"a", {{14, "a"}, {5, "x", {}, 5}, {12, "Name", "in group"}, {12, "late", "no"}, {15}, {18}}},
-        {"a", {{14, "a"}, {5, "x"}, {15}, {12, "a", "behind"}, {18}}}, {"a", {{14, "a"}, {5, "x"}, {18}, {12, "x", "found"}}},
-        {"a.a", {{14, "a"}, {14, "a"}, {15}, {18}}}, {"a", {{5, "b"}, {18}, {5, "a", {}, 3}}}, {"a", {{5, "b"}}}, {"x", {{5}, {18}}},
-        {"a", {{18, "a"}}}, {"a", {{13, "a", "second %s%n"}}}, {"a", {{12, "a"}}}, {"a", {{13, "a"}}},
-        {"..a...b.", {{1, "a"}, {1, "b", {}, 9}}}, {name199, {{1, string(99, 'a')}, {1, string(99, 'b'), {}, 251}}},
-        {name199 + 'b', {{1, string(99, 'a')}, {1, string(100, 'b'), {}, 251}}},
-        {"0.1.2.3.4.5.6.7.8.9", {{1, "0"}, {1, "1"}, {1, "2"}, {1, "3"}, {1, "4"}, {1, "5"}, {1, "6"}, {1, "7"}, {1, "8"}, {10, "9", {}, 7}}}};
-    // clang-format on
-    for (const char *field : {"", "...", "0.1.2.3.4.5.6.7.8.9.10", "inv_phy_entity_basic_info."})
-        records.push_back({field, {{1, "0"}, {1, ""}, {18}}});
-    for (const uint32_t type : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 10u, 11u, 16u, 17u, 19u, 255u, 0xffffffffu})
-        for (const uint32_t count : {0u, 7u, 251u, 0xfffffffbu, 0x80000000u, 0x0100000au, 65531u})
-            records.push_back({"a", {{type, "a", {}, count}}});
-    for (const auto &[field, tokens] : records)
-        for (const bool on : {false, true})
-            for (std::size_t k = 0, calls = 0; k <= calls; ++k, ++all.cases) {
-                const auto go = [&, &f = field, &t = tokens](bool real) {
-                    host h;
-                    h.fail_at = k, h.fail_on = on, h.fail_code = 0x4321;
-                    buffer<200> output;
-                    string text = std::strcpy(output.bytes, "untouched");
-                    const void *const parcel = h.parcel(t);
-                    const faultno rc =
-                        real ? get_value_in_parcel(&h.context, f.c_str(), 12, parcel, host::parcel_length, output.bytes)
-                             : get_value(f, 12, parcel, host::parcel_length, text);
-                    calls = std::max(calls, h.calls);
-                    return printed("%x ", rc) + (real ? output.text() : text) + '\n' + h.imbalance() + h.text();
-                };
-                ASSERT_EQ(go(true), go(false)) << "field " << field << ", first token of type " << tokens[0].type << ' '
-                                               << tokens[0].number << ", call " << k << (on ? " and on" : "");
-            }
-    host h;
+    figure all{"records", 400};
     buffer<200> output;
+    struct record {
+        string field;
+        std::vector<token> tokens;
+        string expected;
+    };
+    const string a99(99, 'a'), b99(99, 'b');
+    // clang-format off
+    std::vector<record> records = {
+        {"a.b", {{5, "b", {}, 1}, {5, "a"}, {4, {}}, {4, "c"}, {4, "b", {}, 0x80000000}, {4, "b"}, {18}}, "0 -2147483648 7"},
+        {"a", {{14, "a"}, {5, "x", {}, 5}, {12, "Name", "in group"}, {12, "late", "no"}, {15}, {18}}, "0 in group 5"},
+        {"a", {{14, "a"}, {5, "x"}, {15}, {12, "a", "behind"}, {18}}, "0 untouched 5"},
+        {"a", {{14, "a"}, {5, "x"}, {18}, {12, "x", "found"}}, "0 found 6"},
+        {"a.a", {{14, "a"}, {14, "a"}, {15}, {18}}, "0 untouched 5"},
+        {"a", {{5, "b"}, {18}, {5, "a", {}, 3}}, "0 untouched 4"},
+        {"a", {{5, "b"}}, "8081f001 untouched 4"}, {"a", {{14, "a"}}, "8081f001 untouched 4"}, {"x", {{5}, {18}}, "0 untouched 4"},
+        {"a", {{18, "a"}}, "0 untouched 3UNKNOWN TOKEN TYPE 18 - ERROR]\n"}, {"a", {{13, "a", "second %s%n"}}, "0 second %s%n 3"}, {"a", {{12, "a"}}, "0  3"}, {"a", {{13, "a"}}, "0  3"},
+        {"..a...b.", {{1, "a"}, {1, "b", {}, 9}}, "0 9 4"}, {a99 + '.' + b99, {{1, a99}, {1, b99, {}, 251}}, "0 251 4"},
+        {a99 + '.' + b99 + 'b', {{1, a99}}, "aaf2a000 untouched 0"},
+        {"0.1.2.3.4.5.6.7.8.9", {{1, "0"}, {1, "1"}, {1, "2"}, {1, "3"}, {1, "4"}, {1, "5"}, {1, "6"}, {1, "7"}, {1, "8"}, {10, "9", {}, 7}}, "0 TRUE 12"},
+        {"0.1.2.3.4.5.6.7.8.9.10", {}, "aaf2a000 untouched 0"}, {"", {}, "aaf2a000 untouched 0"}, {"...", {}, "aaf2a000 untouched 0"},
+        {"inv_phy_entity_basic_info.", {{1, "0"}, {1, ""}, {18}}, "0 untouched 5"}};
+    const uint32_t numbers[] = {0, 7, 0xfffffffb, 0x0100000a, 65531};
+    const std::map<uint32_t, std::vector<string>> types = {
+        {0, {"0", "7", "-5", "10", "-5"}}, {1, {"0", "7", "251", "10", "251"}}, {2, {"0", "7", "-5", "10", "-5"}}, {3, {"0", "7", "65531", "10", "65531"}},
+        {4, {"0", "7", "-5", "16777226", "65531"}}, {5, {"0", "7", "4294967291", "16777226", "65531"}}, {9, {"0", "7", "-5", "16777226", "65531"}},
+        {8, {"0.0.0.0", "7.0.0.0", "251.255.255.255", "10.0.0.1", "251.255.0.0"}}, {10, {"FALSE", "TRUE", "TRUE", "TRUE", "TRUE"}}};
+    // clang-format on
+    for (const uint32_t type : {0u, 1u, 2u, 3u, 4u, 5u, 6u, 7u, 8u, 9u, 10u, 11u, 16u, 17u, 19u, 255u, 0xffffffffu})
+        for (std::size_t i = 0; i < std::size(numbers); ++i)
+            records.push_back({"a",
+                               {{type, "a", {}, numbers[i]}},
+                               types.contains(type) ? "0 " + types.at(type)[i] + " 3"
+                                                    : printed("0 untouched 3UNKNOWN TOKEN TYPE %d - ERROR]\n", type)});
+    for (const auto &[field, tokens, expected] : records)
+        for (std::size_t k = 0, calls = 0; k <= calls; ++k) {
+            host h;
+            h.fail_at = k, h.fail_code = 0x4321;
+            std::strcpy(output.bytes, "untouched");
+            const faultno rc = get_value_in_parcel(&h.context, field.c_str(), 12, h.parcel(tokens), 8, output.bytes);
+            calls = std::max(calls, h.calls);
+            const string text = h.text(), failed = k == 1 ? "header_info" : k == 2 ? "generic_init" : "generic_token";
+            const auto odd = std::min(text.find("UNKNOWN"), text.size());
+            all.equal(printed("%x %s %zu", rc, output.text().c_str(), h.calls) +
+                          text.substr(odd, text.find('\n', odd) + 1 - odd),
+                      k == 0 ? expected : printed("4321 untouched %zu", k), field);
+            const bool told = has(text, ("parcel: parcel_" + failed + " failed: fault 00004321\n").c_str());
+            EXPECT_EQ(h.imbalance(), "") << field << k;
+            EXPECT_EQ(told, k != 0) << field << k;
+        }
+    host h;
     EXPECT_EQ(get_value_in_parcel(&h.context, nullptr, 12, nullptr, 0, output.bytes), FAULT_INVALID_ARGS);
     EXPECT_EQ(get_value_in_parcel(&h.context, "a", 12, nullptr, 0, output.bytes), 0xffffffffu);
-    EXPECT_EQ(h.text(), "TRC get_value_in_parcel: Start\nTRC get_value_in_parcel: Start\nTRC get_value_in_parcel: NULL "
-                        "== parcel_data\n");
-    parcel_token_td address{8, {}, {}, {}};
-    std::memcpy(&address.value, "\x0a\x00\x00\x01", 4);
-    convert_parcel_value_to_str(&h.context, &address, output.bytes);
-    EXPECT_EQ(output.text(), "10.0.0.1");
+    EXPECT_EQ(get_value_in_parcel(&h.context, "a", 12, h.parcel({{18}}), 8, output.bytes), 0u);
+    const string me = "TRC get_value_in_parcel: ", start = me + "Start\n";
+    EXPECT_EQ(h.text(), start + start + me + "NULL == parcel_data\n" + start + "header\n" + me +
+                            "[parcel (len 8)] \t (inv_basic v3.-1)\nwalk 8\ntoken 0\nrelease null\n" + me +
+                            "parcel_generic_destroy\ndestroy\n");
 }
 
 /* By hand, so that the reference's search is held too; then over odd trees. */
@@ -423,37 +430,48 @@ TEST(utility, path_search)
 }
 
 /* In a process of its own: whether the client library was found is remembered as long as the process lives. */
-TEST(utility, client_library_looked_for)
+TEST(utility, system_database)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto sequence = [] {
         host h({"0/1-CHMON-PRE"});
+        h.context.trace_on = 0;
         void *data = nullptr;
         uint32_t length = 0;
-        const auto read = [&](const char *item) {
-            h.lines.push_back(
-                printed("= %x", ostore_get_data(&h.context, "/oper/inventory/gl/entity/", item, &data, &length)));
+        const auto read = [&](const string &item) {
+            h.lines.clear();
+            const faultno rc = ostore_get_data(&h.context, "/oper/inventory/gl/entity/", item.c_str(), &data, &length);
+            return h.text() + printed("= %x", rc);
         };
-        h.context.trace_on = 0;
+        const string item = "0%2f1-CHMON-PRE/attrib/inv_basic_parcel", got = "TRC ostore_item_get failed: fault ",
+                     bind = "bind \"/oper/inventory/gl/entity/\" 0\n",
+                     end = "TRC ostore_unbind\nunbind\nTRC return\n= ";
         h.library_readable = false;
-        read("x");
-        read("x");
+        EXPECT_EQ(read("x"), "TRC path x\naccess 4\nTRC ostore_bind failed fault 8081c200\n= 8081c200");
         h.library_readable = true;
-        read("0%2f1-CHMON-PRE/attrib/inv_basic_parcel");
+        EXPECT_EQ(read(item), "TRC path " + item + "\naccess 4\n" + bind + "get \"" + item + "\" 7 0\n" + end + "0");
+        EXPECT_EQ(length, host::parcel_length);
         std::free(data);
         h.library_readable = false;
-        read("x");
+        EXPECT_EQ(read("x"), "TRC path x\n" + bind + "get \"x\" 7 0\n" + got + "8081c205\n" + end + "8081c205");
+        h.fail_code = 0x4321;
+        h.fail_at = h.calls + 1;
+        EXPECT_EQ(read("x"), "TRC path x\n" + bind + "TRC ostore_bind failed fault 00004321\n= 4321");
+        h.fail_at = h.calls + 2;
+        EXPECT_EQ(read(item),
+                  "TRC path " + item + '\n' + bind + "get \"" + item + "\" 7 0\n" + got + "00004321\n" + end + "4321");
         h.null_handle = true;
-        read("x");
-        const string absent = "TRC path x\naccess 4\nTRC ostore_bind failed fault 8081c200\n= 8081c200\n",
-                     bind = "bind /oper/inventory/gl/entity/ 0\n", unbind = "TRC ostore_unbind\nunbind\nTRC return\n",
-                     item = "0%2f1-CHMON-PRE/attrib/inv_basic_parcel",
-                     expected = absent + absent + "TRC path " + item + "\naccess 4\n" + bind + "get " + item +
-                                " 7 0\n" + unbind + "= 0\nTRC path x\n" + bind +
-                                "get x 7 0\nTRC ostore_item_get failed: fault 8081c205\n" + unbind +
-                                "= 8081c205\nTRC path x\n" + bind + "TRC return\n= 0\n";
-        std::fputs((h.imbalance() + h.text()).c_str(), stderr);
-        std::exit(h.imbalance() + h.text() == expected && length == host::parcel_length ? 0 : 1);
+        EXPECT_EQ(read("x"), "TRC path x\n" + bind + "TRC return\n= 0");
+        h.null_handle = false;
+        buffer<200> name;
+        EXPECT_EQ(ostore_get_amp_name_from_inventory(&h.context, "0/1-CHMON-PRE", name.bytes), 0u);
+        EXPECT_EQ(name.text(), "0/1-CHMON-PRE");
+        h.lines.clear();
+        EXPECT_EQ(ostore_get_amp_name_from_inventory(&h.context, "0/2", name.bytes), 0x8081c205u);
+        EXPECT_EQ(h.text().substr(0, 23), "TRC chmon_name_key 0/2\n");
+        EXPECT_EQ(h.lines.back(), "TRC rc != FAULT_SUCCESS");
+        EXPECT_EQ(h.imbalance(), "");
+        std::exit(testing::Test::HasFailure());
     };
     EXPECT_EXIT(sequence(), testing::ExitedWithCode(0), "");
 }
