@@ -4,13 +4,11 @@
  */
 #include "input.h"
 
+#include "ostore/record_reader.h"
+
 #include "mapping.h"
 #include "oc_chmon.h"
-#include "ostore/faults.h"
-#include "ostore/parcel_format.h"
-#include "ostore/usage.h"
 
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -55,34 +53,8 @@ bytes assemble(fuzz::input &in)
     return record;
 }
 
-/* As a user of the library reads it; the code that ended the walk. */
-faultno read_tokens(const char *record, std::size_t size)
-{
-    parcel_header_td header{};
-    const bool has_header = size >= ostore::parcel_header_size && parcel_header_info(record, &header) == 0;
-    parcel_walk_td walk{};
-    faultno rc = parcel_generic_init(record, static_cast<std::uint32_t>(size), &walk);
-    if ((rc == 0) != has_header)
-        fuzz::report("header and walk disagree", std::to_string(rc));
-    if (rc != 0)
-        return rc;
-    std::size_t steps = 0;
-    parcel_token_td token{};
-    while ((rc = parcel_generic_token(&walk, &token)) == 0) {
-        const char *const text = token.type == PARCEL_TOKEN_TEXT ? token.value.text : token.second_text;
-        if (++steps > size || (text != nullptr && token.type != PARCEL_TOKEN_END && std::strlen(text) >= size))
-            fuzz::report("more than the record holds", std::to_string(steps));
-        const bool last = token.type == PARCEL_TOKEN_END;
-        parcel_generic_free_token_allocations(&token);
-        if (last)
-            break;
-    }
-    parcel_generic_destroy(&walk);
-    return rc;
-}
-
 struct reading {
-    const char *record;
+    const void *record;
     std::uint32_t size;
     const char *field;
     parcel_token_type_td wanted;
@@ -106,7 +78,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     constexpr const char *fields[] = {"inv_phy_entity_basic_info.Name", "Name", "a.a", "a", "%s%n", "", "a..a", "."};
     fuzz::input in(data, size);
     const unsigned form = in.byte();
-    const ostore::usage_counts before = ostore::usage();
+    static record_reader reader;
     now.field = in.pick(fields);
     now.wanted = static_cast<parcel_token_type_td>(in.below(20));
     bytes record;
@@ -117,23 +89,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         record = assemble(in);
         record.resize(record.size() - std::min(record.size(), std::size_t{form / 16 == 1 ? form % 16 : 0}));
     }
-    /* A block of its own: a vector may have room behind its end. */
-    const std::unique_ptr<char[]> block(new char[record.size()]);
-    std::copy(record.begin(), record.end(), block.get());
-    now.record = block.get();
-    now.size = static_cast<std::uint32_t>(record.size());
+    record.resize(std::min(record.size(), record_reader::longest));
+    reader.read(record.data(), record.size());
+    if (!reader.faultless())
+        fuzz::report("a promise of the library's broken", "loop, code, or tokens and walks not given back");
+    if (record.size() < ostore::parcel_header_size)
+        return 0;
 
-    const faultno code = read_tokens(now.record, now.size);
-    if (code != 0 && ostore::fault_text(code) == nullptr)
-        fuzz::report("a code without a text", std::to_string(code));
-    if (record.size() >= ostore::parcel_header_size) {
-        framework::arena memory;
-        framework::mapping walk({}, memory);
-        dtf_datatree out{};
-        const faultno found = walk.run(find_field, {}, out);
-        if (found != 0 && found != FAULT_INVALID_ARGS && ostore::fault_text(found) == nullptr)
-            fuzz::report("a code without a text", std::to_string(found));
-    }
+    const ostore::usage_counts before = ostore::usage();
+    now.record = reader.place(record.data(), record.size());
+    now.size = static_cast<std::uint32_t>(record.size());
+    framework::arena memory;
+    framework::mapping walk({}, memory);
+    dtf_datatree out{};
+    const faultno found = walk.run(find_field, {}, out);
+    if (found != 0 && found != FAULT_INVALID_ARGS && ostore::fault_text(found) == nullptr)
+        fuzz::report("a code without a text", std::to_string(found));
     const ostore::usage_counts after = ostore::usage();
     if (after.tokens_decoded - before.tokens_decoded != after.tokens_released - before.tokens_released ||
         after.walks_started - before.walks_started != after.walks_ended - before.walks_ended)

@@ -1,23 +1,24 @@
 /*
  * Documents through get, plan and edit on a small device: the input is one, or says what tree it shall be, which is
  * then given in both encodings. Nothing but a std::runtime_error of one line comes out, and of an edit nothing but a
- * netconf_error; a reply can be read again and is the same in both encodings; an edit does what its dry run said.
+ * netconf_error; a reply can be read again, is the same in both encodings, and lacks nothing for what was not fetched;
+ * an edit does what its dry run said.
  */
 #include "input.h"
 
-#include "ostore/temporary_folder.h"
+#include "service/edit_device.h"
 
 #include "device/load.h"
-#include "device/native_tables.h"
 #include "framework/json_writer.h"
+#include "framework/schema_facts.h"
 #include "framework/xml_writer.h"
-#include "service/edit.h"
 #include "service/get.h"
-#include "service/netconf_error.h"
+#include "service/judge.h"
+#include "service/key_order.h"
+#include "service/read.h"
 #include "service/request_plan.h"
-
-#include <fstream>
-#include <map>
+#include "service/subtree_filter.h"
+#include "service/tree_access.h"
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -27,39 +28,23 @@ namespace {
 using framework::document_format;
 using framework::document_use;
 
-constexpr const char *inventory = R"({"inventory": ["0/1-CHMON-BST", "0/1-CHMON-PRE", "0/2-CHMON-PRE"]})";
-constexpr const char *interfaces = R"({"Vantra-TALIN-ifmgr-cfg:interface-configurations": {"interface-configuration": [
-    {"active": "act", "interface-name": "HundredGigE0/0/0/0", "description": "client"},
-    {"active": "act", "interface-name": "Ots0/1/0/1"}, {"active": "pre", "interface-name": "Ots0/1/0/0"}]}})";
-constexpr const char *ports = R"({"Vantra-TALIN-controller-kestrel-ots-oper:ots-oper": {"ots-ports": {"ots-port": [
-    {"name": "Ots0/1/0/1", "ots-spectrum-info": {"spectrum-slice-power-info": [
-        {"lower-frequency": "191350000", "upper-frequency": "191400000", "rx-power": -435},
-        {"lower-frequency": "191450000", "upper-frequency": "191500000"}]}},
-    {"name": "Ots0/2/0/1"}, {"name": "Ots0/4/0/0"}]}}})";
-
-/* The device, opened once, and a file in memory that documents come from. */
+/* The small device of the golden cases, opened once, and a file in memory that documents come from. */
 struct bench {
     temporary_folder folder;
-    std::string inventory_file = folder.path / "inventory.json";
+    std::string inventory_file = CHMON_TINY_DEVICE "/inventory.json";
     device::folder device = device::folder::create(folder.path / "device");
     service::plugin mapper;
     int document = ::memfd_create("document", 0);
     std::string document_file = "/proc/self/fd/" + std::to_string(document);
-    std::map<std::string, std::string> configuration;
+    edits::records configuration;
 
     bench()
     {
-        std::ofstream(inventory_file) << inventory;
-        device::load(device, device::schema(), {{"i", inventory}, {"c", interfaces}, {"o", ports}});
-        configuration = stored();
-    }
-    std::map<std::string, std::string> stored()
-    {
-        std::map<std::string, std::string> all;
-        const ostore::read_transaction txn(device.database());
-        for (ostore::cursor at(txn, device.database().table(device::interfaces_table)); at.next();)
-            all.emplace(at.key(), at.value());
-        return all;
+        std::vector<device::document> documents;
+        for (const char *const file : {"inventory.json", "interfaces.xml", "ots-oper.json"})
+            documents.push_back(device::read_document(std::filesystem::path(CHMON_TINY_DEVICE) / file));
+        device::load(device, device::schema(), documents);
+        configuration = edits::stored(device);
     }
     void restore()
     {
@@ -98,7 +83,19 @@ std::string as_xml(const std::string &text, document_use use)
     return xml;
 }
 
-std::string get(bool config_only)
+/* A get's reply, made of all that the device has. */
+std::string cut_from_all(dtf_datatree filter, bool config_only, framework::arena &memory)
+{
+    service::trim_texts(filter, memory);
+    const ostore::read_transaction state(on().device.database());
+    const auto kind = config_only ? service::kind_get_config : service::kind_get;
+    const dtf_datatree all = service::read(on().mapper, state, nullptr, kind, memory, {});
+    dtf_datatree cut = service::cut_to_filter(all, filter, memory);
+    service::put_keys_first(cut);
+    return service::write_document(cut, document_format::xml);
+}
+
+std::string get(const std::string &document, bool config_only)
 {
     service::get_options options;
     options.filter = on().document_file;
@@ -109,6 +106,11 @@ std::string get(bool config_only)
     const std::string json = service::get_document(on().mapper, on().device, options);
     if (as_xml(xml, document_use::data) != xml || as_xml(json, document_use::data) != xml)
         fuzz::report("a reply's encodings differ", xml + json);
+    framework::arena memory;
+    const dtf_datatree filter = parse(document, document_use::read, memory);
+    const bool in_wrapper = document.find("ietf-netconf:filter") != std::string::npos;
+    if (const std::string cut = in_wrapper ? xml : cut_from_all(filter, config_only, memory); cut != xml)
+        fuzz::report("a reply lacks what was not fetched", xml + cut);
     return xml;
 }
 
@@ -143,7 +145,7 @@ std::string edit(service::edit_operation otherwise)
         } catch (const service::netconf_error &error) {
             outcome[dry] = std::string("error: ") + error.what();
         }
-        const bool changed = on().stored() != on().configuration;
+        const bool changed = edits::stored(on().device) != on().configuration;
         if (changed != (!dry && !outcome[dry].empty() && !outcome[dry].starts_with("error: ")))
             fuzz::report("an edit stored something else than it said", outcome[dry]);
         if (changed)
@@ -155,28 +157,22 @@ std::string edit(service::edit_operation otherwise)
 }
 
 /* The outcome of one request, and a finding where an exception is none of those that are documented. */
-std::string request(unsigned what, std::string_view document)
+std::string request(unsigned what, const std::string &document)
 {
     if (::ftruncate(on().document, 0) != 0 ||
         ::pwrite(on().document, document.data(), document.size(), 0) != static_cast<ssize_t>(document.size()))
         std::exit(2);
+    constexpr std::uint32_t kinds[] = {10, 0, 1};
+    constexpr service::edit_operation defaults[] = {service::edit_operation::merge, service::edit_operation::replace,
+                                                    service::edit_operation::none};
+    const unsigned way = what % 8;
     std::string message;
     try {
-        switch (what % 8) {
-        case 0:
-        case 1:
-            return get(what % 8 == 1);
-        case 2:
-        case 3:
-        case 4:
-            return plan(what % 8 == 2 ? 10 : what % 8 == 3 ? 0 : 1);
-        default:
-            message = edit(what % 8 == 5   ? service::edit_operation::merge
-                           : what % 8 == 6 ? service::edit_operation::replace
-                                           : service::edit_operation::none);
-            if (!message.starts_with("error: "))
-                return message;
-        }
+        if (way < 5)
+            return way < 2 ? get(document, way == 1) : plan(kinds[way - 2]);
+        message = edit(defaults[way - 5]);
+        if (!message.starts_with("error: "))
+            return message;
     } catch (const ostore::store_error &error) {
         fuzz::report("the store is blamed", error.what());
     } catch (const std::runtime_error &error) {
@@ -188,47 +184,27 @@ std::string request(unsigned what, std::string_view document)
 }
 
 /* A tree of the input's choice as an XML document: mostly the model's elements, where they belong. */
-std::string grow(fuzz::input &in, std::size_t position, int room)
+std::string grow(fuzz::input &in, const framework::schema_node &at)
 {
-    struct element {
-        const char *tag;
-        std::size_t first, count; /* its children's places in the table */
-    };
-    constexpr element elements[] = {{"channel-monitors", 1, 1},
-                                    {"channel-monitor", 2, 4},
-                                    {"name", 0, 0},
-                                    {"config", 6, 2},
-                                    {"state", 6, 2},
-                                    {"channels", 8, 1},
-                                    {"name", 0, 0},
-                                    {"monitor-port", 0, 0},
-                                    {"channel", 9, 3},
-                                    {"lower-frequency", 0, 0},
-                                    {"upper-frequency", 0, 0},
-                                    {"state", 12, 3},
-                                    {"lower-frequency", 0, 0},
-                                    {"upper-frequency", 0, 0},
-                                    {"power", 0, 0},
-                                    {"extra", 0, 0}};
     constexpr const char *values[] = {"0/1-CHMON-PRE", "0/1-CHMON-BST", "0/2-CHMON-PRE",   "0/3-CHMON-PRE",
                                       "191350000",     "191400000",     "0/1-OtsCtrl-0/1", "-4.35",
                                       "%s%n",          "&lt;\xc3\xa9",  " a\nb ",          "0/01-CHMON-PRE"};
     constexpr const char *operations[] = {"merge", "replace", "create", "delete", "remove"};
-    const element &at = elements[position];
+    const std::string tag(at.tag);
     const unsigned facts = in.byte();
-    std::string text = std::string("<") + at.tag;
+    std::string text = '<' + tag;
     text += facts % 64 == 1 ? " xmlns='urn:foreign'" : "";
     if (facts % 4 == 3)
         text += std::string(" nc:operation='") + in.pick(operations) + "'";
     text += '>';
-    if (at.count == 0)
-        return text + (facts % 8 >= 3 ? in.pick(values) : "") + "</" + at.tag + '>';
+    if (at.children.empty())
+        text += facts % 8 >= 3 ? in.pick(values) : "";
     /* Runs of one name stand together, as JSON has them. */
-    for (std::size_t child = at.first; child < at.first + at.count && room > 0; ++child)
+    for (const framework::schema_node &child : at.children)
         for (std::size_t copies = in.byte() % 8; copies > 4; --copies)
-            text += grow(in, child, room - 1);
-    text += facts % 32 == 2 ? grow(in, std::size(elements) - 1, 0) : "";
-    return text + "</" + at.tag + '>';
+            text += grow(in, child);
+    text += facts % 32 == 2 && !at.children.empty() ? "<extra/>" : "";
+    return text + "</" + tag + '>';
 }
 
 /* The same document in both encodings has one outcome. */
@@ -249,10 +225,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     fuzz::input in(data, size);
     const unsigned what = in.byte();
     if (what % 16 < 8)
-        request(what, in.rest());
+        request(what, std::string(in.rest()));
     else
         request_twice(what, "<config xmlns:nc='urn:ietf:params:xml:ns:netconf:base:1.0' "
                             "xmlns='http://openconfig.net/yang/channel-monitor'>" +
-                                grow(in, 0, 12) + "</config>");
+                                grow(in, *framework::find_schema_node(service::monitors_tag)) + "</config>");
     return 0;
 }

@@ -1,5 +1,8 @@
 #include "service/plugin.h"
 
+#include "framework/faults.h"
+#include "ostore/faults.h"
+
 #include <array>
 #include <cstdlib>
 #include <dlfcn.h>
@@ -35,6 +38,15 @@ void *open_library(const std::filesystem::path &file)
     return library;
 }
 
+/* The plug-in reports the codes of the client library's operations, whose texts the framework does not have. */
+void register_client_faults()
+{
+    for (faultno code = ostore::fault_no_client; code <= ostore::fault_parcel_memory; ++code) {
+        if (const char *const text = ostore::fault_text(code))
+            framework::register_fault(code, nullptr, text);
+    }
+}
+
 } // namespace
 
 void plugin::library_closer::operator()(void *library) const { ::dlclose(library); }
@@ -58,6 +70,7 @@ plugin::plugin(const std::filesystem::path &file)
       to_monitor_(resolve<conversion>(file, "convert_ctrl_key_to_chmon_key")),
       to_controller_(resolve<conversion>(file, "convert_oc_key_to_controller_key"))
 {
+    register_client_faults();
 }
 
 template <typename function> function plugin::resolve(const std::filesystem::path &file, const char *symbol) const

@@ -73,10 +73,7 @@ TEST(landing, paths_land_where_the_walk_stands)
             walk w(request(10, row.way));
             w.memory.set_poison(poison);
             std::istringstream steps(row.steps);
-            w.run([&](walk &walking) {
-                walking.play(steps);
-                return FAULT_SUCCESS;
-            });
+            w.play(steps);
             EXPECT_EQ(text_of(w.out), row.expected) << row.steps;
             EXPECT_EQ(w.map.instances().size(), row.instances) << row.steps;
             EXPECT_TRUE(w.map.balanced()) << row.steps;
@@ -111,20 +108,14 @@ TEST(landing, a_path_that_names_nothing_changes_nothing_and_one_is_known_by_its_
 /* Seconds and bytes of mapping `count` channels below one monitor. */
 std::pair<double, std::size_t> cost_of(std::size_t count)
 {
+    std::stringstream steps;
+    steps << "(P +M ";
+    for (std::size_t i = 0; i < count; ++i)
+        steps << "(S +C C/lower-frequency=191350000 ) ";
+    steps << "M/name=A ) ";
     walk w;
     const auto start = std::chrono::steady_clock::now();
-    w.run([&](walk &walking) {
-        walking.entry('P', {}, [&] {
-            walking.add(list_path('M'), nullptr, true);
-            for (std::size_t i = 0; i < count; ++i)
-                walking.entry('S', {}, [&] {
-                    walking.add(list_path('C'), nullptr, true);
-                    walking.add(list_path('C') + std::string("/lower-frequency"), "191350000");
-                });
-            walking.add("/channel-monitors/channel-monitor/name", "A");
-        });
-        return FAULT_SUCCESS;
-    });
+    w.play(steps);
     EXPECT_EQ(w.out.children[0].children[0].children[0].child_count, count);
     return {std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), w.memory.used()};
 }

@@ -1,12 +1,10 @@
-/* Stacks that refuse what does not fit and stay paired; the two sinks, fault texts and error paths. */
+/* Stacks that refuse what does not fit and stay paired, the trace buffer, and when there is an error path. */
 #include "faults.h"
-#include "named_allocations.h"
 #include "scripted_walk.h"
 
 #include <gtest/gtest.h>
 
 using namespace scripted;
-using framework::log_level;
 
 namespace {
 
@@ -69,29 +67,6 @@ TEST(limits, what_is_not_popped_in_order_counts_as_unbalanced)
     }));
 }
 
-TEST(reports, the_debug_log_gets_whole_lines_of_the_wanted_levels)
-{
-    for (const log_level level : {log_level::off, log_level::err, log_level::trc}) {
-        std::ostringstream log;
-        walk w({.log = level, .log_stream = &log});
-        const std::string long_text(5000, 'x');
-        w.run([&](walk &walking) {
-            std::uint32_t site = UINT32_MAX;
-            for (const std::uint32_t of : {DTF_LEVEL_ERR, DTF_LEVEL_TRC})
-                if (dtf_debug_should_log(&walking.ctx->debug_filter, of) != 0)
-                    _plat_dt_log_filter_adv(walking.ctx->err_log, 0, 0, 0, 0, 0, &site, "%u: %s%%", of,
-                                            long_text.c_str());
-            dtf_datatree node{};
-            give(walking.memory, node, "a", "1");
-            dtf_map_print_datatree_internal(walking.ctx, &node, "tree");
-            return FAULT_SUCCESS;
-        });
-        std::string expected = level == log_level::off ? "" : "0: " + long_text + "%\n";
-        expected += level == log_level::trc ? "3: " + long_text + "%\ntree\n  (no tag)\n    a = 1\n" : "";
-        EXPECT_EQ(log.str(), expected);
-    }
-}
-
 TEST(reports, the_trace_buffer_keeps_the_last_lines)
 {
     for (const std::size_t capacity : {std::size_t{0}, std::size_t{1}, std::size_t{7}, std::size_t{9}}) {
@@ -109,49 +84,17 @@ TEST(reports, the_trace_buffer_keeps_the_last_lines)
     EXPECT_EQ(ret_nc_dtf_trace_index_incr(), index + 1);
 }
 
-TEST(reports, every_code_has_a_name_and_a_text)
+TEST(reports, there_is_no_error_path_while_the_plug_in_expands)
 {
-    EXPECT_STREQ(framework::fault_name(framework::fault_bad_path), "FAULT_BAD_PATH");
-    EXPECT_EQ(framework::fault_name(0x12345678), nullptr);
-    EXPECT_STREQ(fault_strerror(0x12345678), "unknown fault 0x12345678");
-    framework::register_fault(0x12345678, "FAULT_TEST", "a test's fault");
-    framework::register_fault(0x12345678, "FAULT_OTHER", "another");
-    EXPECT_STREQ(framework::fault_name(0x12345678), "FAULT_TEST");
-    EXPECT_STREQ(fault_strerror(0x12345678), "a test's fault");
-}
-
-TEST(reports, the_error_path_names_the_entry_by_its_key)
-{
-    const std::size_t before = framework::live_named_allocations();
-    const std::string monitors = "/channel-monitors/channel-monitor";
-    struct {
-        const char *name;
-        faultno result;
-        std::uint32_t expand_mode;
-        std::string path;
-    } const rows[] = {{"0/1-CHMON-PRE", 1, 0, monitors + "[name='0/1-CHMON-PRE']"},
-                      {"it's", 1, 0, monitors + "[name=\"it's\"]"},
-                      {"'\"", 1, 0, monitors},
-                      {"A", FAULT_SUCCESS, 0, ""},
-                      {"A", 1, 1, ""}};
-    for (const auto &row : rows) {
+    for (const std::uint32_t expanding : {0U, 1U}) {
         walk w;
-        dtf_datatree top{}, entry{};
-        top.tag = "channel-monitors";
-        entry.tag = "channel-monitor";
-        give(w.memory, entry, "name", row.name);
-        w.run([&](walk &walking) {
-            walking.ctx->req_ctx->expand_mode = row.expand_mode;
-            walking.ctx->req_ctx->error_tag = dtf_strdup("bad", "DTF MAP");
-            dtf_map_add_to_node_hierarchy(walking.ctx, &top, DTF_HIER_CONTAINER);
-            walking.entry('M', entry, [&] { dtf_oc_error_path(walking.ctx); });
-            dtf_map_remove_from_node_hierarchy(walking.ctx, &top);
-            return row.result;
+        w.run([expanding](walk &walking) {
+            walking.ctx->req_ctx->expand_mode = expanding;
+            dtf_oc_error_path(walking.ctx);
+            return faultno{1};
         });
-        EXPECT_EQ(w.map.error_tag(), row.result == FAULT_SUCCESS ? "" : "bad");
-        EXPECT_EQ(w.map.error_path(), row.path);
+        EXPECT_EQ(w.map.error_path(), expanding == 0 ? "/" : "");
     }
-    EXPECT_EQ(framework::live_named_allocations(), before);
 }
 
 } // namespace

@@ -79,19 +79,27 @@ struct walk {
         dtf_map_remove_from_node_hierarchy(ctx, &node);
     }
 
-    faultno add(const std::string &path, const char *value = nullptr, bool new_entry = false,
-                const dtf_datatree *source = nullptr, dtf_datatree **created = nullptr)
+    faultno add(const std::string &path, const char *value = nullptr, bool new_entry = false)
     {
-        return dtf_map_datatree_add_path_flagged(ctx, &out, path.c_str(), "urn:test", value, source, created, new_entry,
-                                                 0);
+        return dtf_map_datatree_add_path_flagged(ctx, &out, path.c_str(), "urn:test", value, nullptr, nullptr,
+                                                 new_entry, 0);
     }
 
     /*
-     * Steps as text: "(P ... )" comes to an entry of list P and leaves it, "(M=a" to one with the key leaf name;
+     * Runs steps that are a text: "(P ... )" comes to an entry of list P and leaves it, "(M=a" to one with the key leaf
+     * name;
      * "+M" adds a list entry, "M/name=a" a path below it; "@" walks the instances as a list walker does and adds a
      * port's rx-power for each.
      */
     void play(std::istream &steps)
+    {
+        run([&steps](walk &self) {
+            self.take(steps);
+            return FAULT_SUCCESS;
+        });
+    }
+
+    void take(std::istream &steps)
     {
         for (std::string step; steps >> step && step != ")";) {
             const std::size_t equals = step.find('=');
@@ -102,7 +110,7 @@ struct walk {
                 node.ns = "urn:request";
                 if (given != nullptr)
                     give(memory, node, "name", given);
-                entry(step[1], node, [&] { play(steps); });
+                entry(step[1], node, [&] { take(steps); });
             } else if (step[0] == '@') {
                 dtf_itree_entry *peeked = nullptr;
                 dtf_map_util_itree_stack_peak(ctx, &peeked);

@@ -71,6 +71,9 @@ def main():
                         too_deep = levels > 500
                         expect(f"{way} {name}, {inner} {levels} levels deep", run(f"{way} {name}"),
                                {1} if too_deep else {0, 1}, refusal if too_deep else "")
+        for piece in ("<a>", "[", '{"m:a":', '{"m:a":[', '{"m:a":{"@":'):
+            pathlib.Path("torn").write_text(piece * 100000)
+            expect(f"plan, 100000 times {piece}", run("plan --kind 1 torn"), {1})
         for line in (f"load {EXAMPLES}/device/ots-oper.xml", f"edit {EXAMPLES}/requests/edit-add.xml"):
             for size in (1 << 10, 8 << 10, 24 << 10):
                 expect(f"{line}, files of {size} bytes", run(line, resource.RLIMIT_FSIZE, size), {1}, "cannot write")
