@@ -13,17 +13,6 @@ tree_builder::tree_builder(arena &memory, const document_text &text, const docum
     open_.push_back(0);
 }
 
-dtf_datatree &tree_builder::add(const char *tag, const char *ns)
-{
-    if (open_.size() > depth_limit_)
-        fail_too_deep();
-    dtf_datatree &node = waiting_.emplace_back();
-    node.tag = tag;
-    node.ns = ns;
-    node.flags = DTF_FLAG_VALID;
-    return node;
-}
-
 void tree_builder::close()
 {
     dtf_datatree &node = current();

@@ -26,7 +26,16 @@ class tree_builder
     tree_builder(arena &memory, const document_text &text, const document_options &options);
 
     /* Adds a node below the innermost open node. Tag and namespace are kept by reference. */
-    dtf_datatree &add(const char *tag, const char *ns);
+    dtf_datatree &add(const char *tag, const char *ns)
+    {
+        if (open_.size() > depth_limit_)
+            fail_too_deep();
+        dtf_datatree &node = waiting_.emplace_back();
+        node.tag = tag;
+        node.ns = ns;
+        node.flags = DTF_FLAG_VALID;
+        return node;
+    }
 
     /* The same, and opens it: what is added until close() is below it. */
     dtf_datatree &open(const char *tag, const char *ns)
@@ -42,6 +51,9 @@ class tree_builder
     /* The innermost open node, and what was added below it. Valid until the next addition. */
     dtf_datatree &current() { return waiting_[open_.back()]; }
     std::span<dtf_datatree> children() { return std::span(waiting_).subspan(open_.back() + 1); }
+
+    /* Nothing was added below the innermost open node. */
+    bool is_childless() const { return open_.back() + 1 == waiting_.size(); }
 
     /* Open nodes without the virtual root. */
     std::size_t depth() const { return open_.size() - 1; }

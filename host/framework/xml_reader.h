@@ -1,5 +1,5 @@
 /*
- * XML documents, parsed by pugixml. The root element is a top container itself, or one of NETCONF's wrappers (RFC 6241)
+ * XML documents. The root element is a top container itself, or one of NETCONF's wrappers (RFC 6241)
  * around any number of them: `data`, `config`, or `filter` of type subtree.
  */
 #ifndef FRAMEWORK_XML_READER_H

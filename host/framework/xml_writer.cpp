@@ -3,6 +3,7 @@
 #include "edit_operations.h"
 #include "schema_facts.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
@@ -27,8 +28,8 @@ constexpr special_characters special = make_special();
 bool has_children(const dtf_datatree &node) { return (node.flags & DTF_FLAG_HAS_SUBTREE) != 0 && node.child_count > 0; }
 
 /*
- * The two tags of an element without attributes, ready to be copied as they are. Trees name few different elements, and
- * equal names are mostly the same text, so they are known by its address.
+ * The tags of an element without attributes, each with the columns before it, ready to be copied as they are. Trees
+ * name few different elements, and equal names are mostly the same text, so they are known by its address.
  */
 class ready_tags
 {
@@ -38,44 +39,59 @@ class ready_tags
 
     struct entry {
         const char *tag = nullptr;
-        std::size_t start_size = 0; /* "<tag>" */
-        std::size_t end_size = 0;   /* "</tag>" */
+        std::size_t columns = 0;
+        std::size_t start_size = 0; /* of "  <tag>" */
+        std::size_t end_size = 0;   /* of "  </tag>\n" */
         std::array<char, room> start;
-        std::array<char, room> end;
+        std::array<char, 2 * room> end; /* copied from behind the columns too */
+
+        char *put_start(char *to) const { return put(to, start.data(), start_size); }
+        char *put_end(char *to) const { return put(to, end.data(), end_size); }
+        /* Without the columns: behind a text. */
+        char *put_end_behind(char *to) const { return put(to, end.data() + columns, end_size - columns); }
+
+      private:
+        static char *put(char *to, const char *text, std::size_t size)
+        {
+            std::memcpy(to, text, room);
+            return to + size;
+        }
     };
 
-    /* Null for a tag that is too long. */
-    const entry *find(const char *tag)
+    explicit ready_tags(bool pretty) : pretty_(pretty) {}
+
+    /* Null for a tag that is too long, or too far down. */
+    const entry *find(const char *tag, std::size_t level)
     {
-        entry &slot = entries_[(reinterpret_cast<std::uintptr_t>(tag) >> 2) % entries_.size()];
-        return slot.tag == tag || make(slot, tag) ? &slot : nullptr;
+        const std::size_t columns = pretty_ ? 2 * level : 0;
+        entry &slot = entries_[((reinterpret_cast<std::uintptr_t>(tag) >> 2) + level) % entries_.size()];
+        return (slot.tag == tag && slot.columns == columns) || make(slot, tag, columns) ? &slot : nullptr;
     }
 
   private:
-    static bool make(entry &slot, const char *tag)
+    bool make(entry &slot, const char *tag, std::size_t columns) const
     {
-        const std::size_t size = std::strlen(tag);
-        if (size + 3 > room)
+        const std::string start = std::string(columns, ' ') + "<" + tag + ">";
+        const std::string end = std::string(columns, ' ') + "</" + tag + (pretty_ ? ">\n" : ">");
+        if (end.size() > room)
             return false;
-        slot.tag = tag;
-        slot.start_size = size + 2;
-        slot.end_size = size + 3;
-        slot.start[0] = '<';
-        std::memcpy(&slot.start[1], tag, size);
-        slot.start[size + 1] = '>';
-        slot.end[0] = '<';
-        slot.end[1] = '/';
-        std::memcpy(&slot.end[2], &slot.start[1], size + 1);
+        slot = {tag, columns, start.size(), end.size(), {}, {}};
+        std::ranges::copy(start, slot.start.begin());
+        std::ranges::copy(end, slot.end.begin());
         return true;
     }
 
+    bool pretty_;
     std::array<entry, 64> entries_;
 };
 
 class xml_writer
 {
   public:
-    xml_writer(const text_receiver &out, const xml_write_options &options) : sink_(out), options_(options) {}
+    xml_writer(const text_receiver &out, const xml_write_options &options)
+        : sink_(out), options_(options), tags_(options.pretty)
+    {
+    }
 
     void write_document(const dtf_datatree &root);
 
@@ -89,7 +105,8 @@ class xml_writer
     void write_wrapped(const dtf_datatree &root);
     void write_tree(const dtf_datatree &top);
     void write_start(const dtf_datatree &node, const char *ns_above);
-    void write_start_tag(const dtf_datatree &node, const char *ns_above);
+    bool write_ready_start(const dtf_datatree &node);
+    void write_end(const dtf_datatree &node);
     void write_end_tag(const char *tag);
     void write_attributes(const dtf_datatree &node, const char *ns_above);
     void write_notes(const dtf_datatree &node);
@@ -142,16 +159,19 @@ void xml_writer::write_tree(const dtf_datatree &top)
             continue;
         }
         open_.pop_back();
-        begin_line(open_.size());
-        write_end_tag(node.tag);
+        write_end(node);
     }
 }
 
 /* Writes a leaf as a whole; of an element with children the start, and then it is open. */
 void xml_writer::write_start(const dtf_datatree &node, const char *ns_above)
 {
+    if (node.ns == ns_above && !options_.notes && write_ready_start(node))
+        return;
     begin_line(open_.size());
-    write_start_tag(node, ns_above);
+    sink_.put("<");
+    sink_.put(std::string_view(node.tag));
+    write_attributes(node, ns_above);
     if (has_children(node)) {
         sink_.put(">");
         end_line();
@@ -172,31 +192,44 @@ void xml_writer::begin_line(std::size_t level)
         sink_.put_columns(2 * level);
 }
 
-/* The start tag without its closing ">". */
-void xml_writer::write_start_tag(const dtf_datatree &node, const char *ns_above)
+/* The same where its tags are ready and its value is plain, as nearly all are; else false, and nothing is written. */
+bool xml_writer::write_ready_start(const dtf_datatree &node)
 {
-    if (const ready_tags::entry *const tag = tags_.find(node.tag)) {
-        char *const to = sink_.room(ready_tags::room);
-        std::memcpy(to, tag->start.data(), ready_tags::room);
-        sink_.taken(to + tag->start_size - 1);
-    } else {
-        sink_.put("<");
-        sink_.put(std::string_view(node.tag));
+    const ready_tags::entry *const tag = tags_.find(node.tag, open_.size());
+    if (tag == nullptr)
+        return false;
+    char *to = tag->put_start(sink_.room());
+    if (has_children(node)) {
+        sink_.taken(to);
+        end_line();
+        open_.push_back({&node, 0});
+        return true;
     }
-    write_attributes(node, ns_above);
+    const char *text = node.value;
+    if ((node.flags & DTF_FLAG_HAS_VALUE) == 0 || text == nullptr)
+        return false;
+    to = copy_plain(to, text, special, text_sink::most_room - 2 * ready_tags::room);
+    if (*text != '\0')
+        return false;
+    sink_.taken(tag->put_end_behind(to));
+    return true;
+}
+
+void xml_writer::write_end(const dtf_datatree &node)
+{
+    if (const ready_tags::entry *const tag = tags_.find(node.tag, open_.size())) {
+        sink_.taken(tag->put_end(sink_.room()));
+        return;
+    }
+    begin_line(open_.size());
+    write_end_tag(node.tag);
 }
 
 void xml_writer::write_end_tag(const char *name)
 {
-    if (const ready_tags::entry *const tag = tags_.find(name)) {
-        char *const to = sink_.room(ready_tags::room);
-        std::memcpy(to, tag->end.data(), ready_tags::room);
-        sink_.taken(to + tag->end_size);
-    } else {
-        sink_.put("</");
-        sink_.put(std::string_view(name));
-        sink_.put(">");
-    }
+    sink_.put("</");
+    sink_.put(std::string_view(name));
+    sink_.put(">");
     end_line();
 }
 
