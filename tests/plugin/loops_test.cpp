@@ -22,11 +22,7 @@ TEST(walks, come_to_what_is_written_there)
 /* CHMON_SEED repeats one case; CHMON_CASES sets how many there are. */
 TEST(walks, equal_the_plain_account)
 {
-    const char *const one = std::getenv("CHMON_SEED"), *const many = std::getenv("CHMON_CASES");
-    const std::size_t first = one == nullptr ? 1 : std::strtoul(one, nullptr, 10),
-                      cases = one != nullptr    ? 1
-                              : many != nullptr ? std::strtoul(many, nullptr, 10)
-                                                : 3000 / share();
+    const std::size_t first = setting("CHMON_SEED", 0), cases = setting("CHMON_CASES", first == 0 ? 3000 / share() : 1);
     figure compared{"compared", cases, figure::crashes};
     compared.in_children(cases, [&](std::size_t i) {
         const std::size_t seed = first + i;
@@ -89,27 +85,34 @@ TEST(walks, every_field_odd)
 
 TEST(walks, keys_are_counted_in_8_bits)
 {
-    const struct {
-        uint32_t kind;
-        std::size_t keys;
-        const char *key;
-        faultno rc;
-    } rows[] = {{0, 2, "name ", FAULT_LIST_KEY_ERROR},
-                {0, 256, "name ", 0},
-                {0, 257, "name ", 0},
-                {8, 256, "name=a ", FAULT_LIST_KEY_ERROR},
-                {8, 257, "name=a ", 0},
-                {1, 128, "name=a ", FAULT_LIST_KEY_ERROR},
-                {1, 257, "name=a ", 0}};
-    for (const auto &row : rows) {
-        scenario many{monitor, row.kind, "channel-monitor{"};
-        for (std::size_t i = 0; i < row.keys; ++i)
-            many.tree += row.key;
+    const std::vector<std::tuple<uint32_t, int, string, faultno>> rows = {
+        {0, 2, "name ", FAULT_LIST_KEY_ERROR},     {0, 256, "name ", 0},   {0, 257, "name ", 0},
+        {8, 256, "name=a ", FAULT_LIST_KEY_ERROR}, {8, 257, "name=a ", 0}, {1, 257, "name=a ", 0},
+        {1, 128, "name=a ", FAULT_LIST_KEY_ERROR}};
+    for (const auto &[kind, keys, key, rc] : rows) {
+        scenario many{monitor, kind, "channel-monitor{"};
+        for (int i = 0; i < keys; ++i)
+            many.tree += key;
         many.tree += '}';
         many.inventory.resize(1);
         EXPECT_EQ(compare(many, {.sinks = 0}), "");
-        EXPECT_EQ(run(many, {}, false).rc, row.rc) << row.kind << ' ' << row.keys << ' ' << row.key;
+        EXPECT_EQ(run(many, {}, false).rc, rc) << kind << ' ' << keys << ' ' << key;
     }
+}
+
+TEST(functions, print_data)
+{
+    host h;
+    h.plant("a{b c d e f g}", "");
+    h.state.hierarchy_len = 2;
+    h.state.hierarchy[0].node_data = h.nodes[0], h.state.hierarchy[1].node_data = h.nodes[1];
+    h.state.root_node = h.nodes[2], h.state.parent_node = h.nodes[3], h.state.current_node = h.nodes[4];
+    h.state.reg_dup_datatree = h.nodes[5], h.state.plist = h.nodes[6];
+    print_data(&h.context);
+    EXPECT_EQ(h.context.data_printed, 1u);
+    EXPECT_EQ(h.text(), "TRC print_data: iteration 0\nprint a#0 \"node_data\"\nTRC print_data: iteration 1\nprint b#1 "
+                        "\"node_data\"\nprint c#2 \"root_node\"\nprint d#3 \"parent_node\"\nprint e#4 "
+                        "\"current_node\"\nprint f#5 \"reg_dup_datatree\"\nprint g#6 \"plist\"\n");
 }
 
 /* Hooks and augment handlers by themselves, for every kind and operation, with and without value. */

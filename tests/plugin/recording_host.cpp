@@ -1,5 +1,6 @@
 #include "recording_host.h"
 #include <algorithm>
+#include <arpa/inet.h>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
@@ -13,13 +14,12 @@ host *current = nullptr;
 
 namespace {
 
-/* What the host left in each site word, and whose it is: places and words, both of which outlive every host. */
+/* What the host left in each site word, and the place whose it is; both outlive every host. */
 struct site {
     uint32_t word = 0xffffffff;
     std::string place{};
 };
 std::map<uint32_t *, site> sites;
-std::map<std::string, uint32_t *> places;
 bool library_found = false;
 
 DTF_PRINTF_LIKE(1, 0) std::string printed_list(const char *format, va_list arguments)
@@ -49,11 +49,13 @@ std::string printed(const char *format, ...)
     return text;
 }
 
-std::size_t share()
+std::size_t setting(const char *name, std::size_t otherwise)
 {
-    const char *const text = std::getenv("CHMON_SHARE");
-    return text != nullptr ? std::strtoul(text, nullptr, 10) : RECORDING_ASAN ? 4 : 1;
+    const char *const text = std::getenv(name);
+    return text != nullptr ? std::strtoul(text, nullptr, 10) : otherwise;
 }
+
+std::size_t share() { return setting("CHMON_SHARE", RECORDING_ASAN ? 4 : 1); }
 
 host::host(const std::vector<std::string> &inventory) : previous(current)
 {
@@ -65,7 +67,6 @@ host::host(const std::vector<std::string> &inventory) : previous(current)
     context.trc_log = &additions;
     context.trace_ring = &violations;
     context.trace_on = 1;
-    names[&out] = "out";
     log_start = printed(": DTF: ctx=%p,", static_cast<void *>(&context));
     for (const std::string &monitor : inventory) {
         const std::string entity = std::string(monitor).replace(monitor.find('/'), 1, "%2f");
@@ -88,12 +89,7 @@ void host::violate(bool broken, std::string_view what)
         violations.emplace_back(what);
 }
 
-void host::add_line(const std::string &line)
-{
-    lines.push_back(line);
-    if (watch)
-        watch();
-}
+void host::add_line(const std::string &line) { lines.push_back(line + (watch ? watch() : "")); }
 
 /* A report is over when anything else happens: both sinks must have had it by then. */
 void host::finish_report()
@@ -112,11 +108,14 @@ bool host::fails(bool copy)
     return fail_at != 0 && (calls == fail_at || (fail_on && calls > fail_at));
 }
 
-const std::string &host::name(const dtf_datatree *node) const
+std::string host::name(const dtf_datatree *node) const
 {
-    static const std::string null = "null", unknown = "unknown";
-    const auto found = names.find(node);
-    return node == nullptr ? null : found == names.end() ? unknown : found->second;
+    if (node == nullptr || node == &out)
+        return node == nullptr ? "null" : "out";
+    const auto found = std::find(nodes.begin(), nodes.end(), node);
+    return found == nodes.end()
+               ? "unknown"
+               : (node->tag == nullptr ? "?" : node->tag) + ('#' + std::to_string(std::distance(nodes.begin(), found)));
 }
 
 const char *host::keep(std::string_view text)
@@ -160,7 +159,6 @@ const char *host::sprout(dtf_datatree &node, const char *p, const char *ns)
 
 void host::number(dtf_datatree &node)
 {
-    names[&node] = (node.tag == nullptr ? "?" : node.tag) + ("#" + std::to_string(nodes.size()));
     nodes.push_back(&node);
     for (uint32_t i = 0; i < node.child_count; ++i)
         number(node.children[i]);
@@ -181,9 +179,7 @@ dtf_datatree *host::append(dtf_datatree &parent, const char *tag, const char *ns
     children.reserve((any ? parent.child_count : 0) + 1);
     for (uint32_t i = 0; any && i < parent.child_count; ++i) {
         dtf_datatree &moved = children.emplace_back(parent.children[i]);
-        names[&moved] = names[&parent.children[i]];
         std::replace(nodes.begin(), nodes.end(), &parent.children[i], &moved);
-        names.erase(&parent.children[i]);
         if (poison)
             std::memset(&parent.children[i], 0xa5, sizeof moved);
     }
@@ -203,12 +199,17 @@ const void *host::parcel(const std::vector<token> &tokens)
     return &parcel_bytes.emplace_back(&parcels.emplace_back(tokens));
 }
 
-std::string host::text(const std::string &without) const
+bool host::is_own_affair(std::string_view line)
+{
+    static const std::set<std::string_view> words = {"is_delete", "itree_peak", "itree_size", "copy"};
+    return words.contains(line.substr(0, line.find(' ')));
+}
+
+std::string host::text() const
 {
     std::string all;
     for (const auto &line : lines)
-        if ((' ' + without + ' ').find(' ' + line.substr(0, line.find(' ')) + ' ') == std::string::npos)
-            all += line + '\n';
+        all += is_own_affair(line) ? "" : line + '\n';
     return all;
 }
 
@@ -314,18 +315,16 @@ void _ringlog(void *trace_ring, uint64_t tag, const char *line)
                   h.logged.empty() == wanted || line != (start + text).substr(0, 249),
               line);
     h.drawn.reset();
-    if (h.logged.empty())
-        h.add_line("");
-    h.lines.back() = level + (' ' + std::string(function)) + ": " + (h.logged.empty() ? text.substr(0, traced) : text);
+    if (!h.logged.empty())
+        h.lines.pop_back();
+    h.add_line(printed("%s %s: ", level, function) + (h.logged.empty() ? text.substr(0, traced) : text));
     if (h.logged.empty())
         return;
-    // A place is a line of a function with a format; it has one word, and the word is its alone.
+    // A place is a line of a function with a format, and its word is its alone.
+    std::string &own = sites[h.site_word].place;
     const std::string place = printed("%s:%d ", function, number) + h.format;
-    site &own = sites[h.site_word];
-    own.place = own.place.empty() ? place : own.place;
-    h.violate(own.place != place || places.try_emplace(place, h.site_word).first->second != h.site_word,
-              "site word shared or two for one place");
-    h.violate(!h.logged.starts_with(level), "two levels");
+    own = own.empty() ? place : own;
+    h.violate(own != place || !h.logged.starts_with(level), "site word shared, or two levels: " + place);
 }
 
 void dtf_oc_error_path(dtf_map_ctx ctx)
@@ -590,11 +589,8 @@ void parcel_generic_destroy(parcel_walk_td *)
 
 const char *inet_ntoa_r(uint32_t address)
 {
-    static thread_local char text[16];
-    unsigned char bytes[4];
-    std::memcpy(bytes, &address, 4);
-    std::snprintf(text, sizeof text, "%u.%u.%u.%u", bytes[0], bytes[1], bytes[2], bytes[3]);
+    static thread_local char text[INET_ADDRSTRLEN];
     current->note("inet_ntoa_r");
-    return text;
+    return inet_ntop(AF_INET, &address, text, sizeof text);
 }
 }

@@ -60,6 +60,8 @@ std::string printed(const char *format, ...) DTF_PRINTF_LIKE(1, 2);
 
 /* The loops run each share()-th of their cases: CHMON_SHARE, else all, or a quarter with the address sanitizer. */
 std::size_t share();
+/* A number from the environment. */
+std::size_t setting(const char *name, std::size_t otherwise);
 
 constexpr std::size_t traced = 60;
 
@@ -83,8 +85,8 @@ struct host {
     std::size_t fail_at = 0;
     bool fail_on = false, fail_copies = false;
     std::function<void(host &, const addition &)> on_add{};
-    /* Called at every line, before the plug-in goes on: for a test that follows the states between two calls. */
-    std::function<void()> watch{};
+    /* Called at every line, which its answer ends: for a test that follows the states between two calls. */
+    std::function<std::string()> watch{};
 
     /* Records. A report is a line too: "TRC function: text", or "TRC text" while the trace buffer is off; while only
      * that is on, so much of the text as always fits its lines. */
@@ -100,9 +102,9 @@ struct host {
     const void *parcel(const std::vector<token> &tokens);
     static constexpr uint32_t parcel_length = sizeof(void *);
 
-    /* All lines but those that start with one of the words of `without`: by default the pure questions and the copies,
-     * whose number is the plug-in's own affair. */
-    std::string text(const std::string &without = "is_delete is_add itree_peak itree_size copy") const;
+    /* All lines but questions and copies, whose number is the plug-in's own affair. */
+    std::string text() const;
+    static bool is_own_affair(std::string_view line);
     /* What was not given back, beyond what the instance-tree stack held at entry, and what broke the contract. */
     std::string imbalance(std::size_t stack_at_entry = 0);
 
@@ -122,12 +124,11 @@ struct host {
     void violate(bool broken, std::string_view what);
     bool fails(bool copy = false);
     faultno answer() { return fails() ? fail_code : 0; }
-    const std::string &name(const dtf_datatree *node) const;
+    std::string name(const dtf_datatree *node) const;
     const char *sprout(dtf_datatree &node, const char *p, const char *ns);
     void number(dtf_datatree &node);
     dtf_datatree *append(dtf_datatree &parent, const char *tag, const char *ns);
     void finish_report();
-    std::map<const dtf_datatree *, std::string> names;
     std::deque<std::vector<dtf_datatree>> arrays;
     std::vector<std::unique_ptr<char[]>> texts;
     std::vector<const dtf_datatree *> output_list;

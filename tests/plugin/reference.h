@@ -68,23 +68,10 @@ inline string ingress_port(const string &chmon)
     return printed("%s-OtsCtrl-0/%d", prefix.c_str(), has(chmon, "-CHMON-PRE"));
 }
 
-/* The inventory read is the plug-in's own, and held to its answers elsewhere. */
-inline bool controller_is_good(const string &name)
+/* The check of a controller is the plug-in's own here, as is print_data(); other tests hold them to their answers. */
+inline bool controller_is_good(const string &controller)
 {
-    const char *const me = "check_controller_name_ots_is_good", *const n = name.c_str();
-    const auto numbers = scan(name, {"Ots0/", "/0/"});
-    const int slot = numbers[0], port = numbers[1];
-    trc(me, "controller_name = " + name);
-    if (port != 0 && port != 1)
-        return err(me, printed("Invalid controller_name [%s] and port id [%d], discard it!", n, port)), false;
-    if (slot < 0 || slot > 3)
-        return err(me, printed("Invalid controller_name [%s] and slot id [%d], discard it!", n, slot)), false;
-    const string chmon = printed("0/%d-CHMON-%s", slot, port == 1 ? "PRE" : "BST");
-    char found[200];
-    const bool good = ostore_get_amp_name_from_inventory(&current->context, chmon.c_str(), found) == 0;
-    if (!good)
-        err(me, "Chmon_name [" + chmon + "] is not present in ostore inventory, discard it!");
-    return good;
+    return check_controller_name_ots_is_good(&current->context, controller.c_str()) != 0;
 }
 
 /* ------------------------------------------------------------------------------------------------------- nodes -- */
@@ -217,23 +204,6 @@ inline bool find_value(const dtf_datatree *node, const string &wanted, string pa
     return false;
 }
 
-inline void print_data()
-{
-    const dtf_req_ctx &s = current->state;
-    const std::pair<const dtf_datatree *, const char *> trees[] = {{s.root_node, "root_node"},
-                                                                   {s.parent_node, "parent_node"},
-                                                                   {s.current_node, "current_node"},
-                                                                   {s.reg_dup_datatree, "reg_dup_datatree"},
-                                                                   {s.plist, "plist"}};
-    current->context.data_printed = 1;
-    for (int i = 0; i < s.hierarchy_len; ++i) {
-        trc("print_data", printed("iteration %d", i));
-        dtf_map_print_datatree_internal(&current->context, s.hierarchy[i].node_data, "node_data");
-    }
-    for (const auto &[tree, label] : trees)
-        dtf_map_print_datatree_internal(&current->context, tree, label);
-}
-
 inline bool is_read() { return current->request.data_input == 0 || current->request.data_input == 10; }
 inline bool is_keyed()
 {
@@ -248,7 +218,7 @@ inline const string own_interface = nodes[interface].path, own_port = nodes[port
 
 inline faultno list_to_low(const char *me, const dtf_datatree *in)
 {
-    print_data();
+    print_data(&current->context);
     if (deletes(in))
         return 0;
     string named;

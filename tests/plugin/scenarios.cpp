@@ -53,15 +53,6 @@ faultno callback(dtf_map_ctx ctx, const dtf_datatree *node, dtf_datatree *out, u
     return 0x77;
 }
 
-/* Lets the framework push entries of its own within an addition of a list entry, as often as `times` says. */
-void push_on_add(host &h, dtf_itree_entry entry, uint32_t times)
-{
-    h.on_add = [entry, times](host &at, const addition &add) mutable {
-        if (add.new_list_entry == 1 && times > 0 && times-- > 0)
-            dtf_map_util_itree_stack_push(&at.context, entry.children, entry.count, entry.callback);
-    };
-}
-
 /* What is odd about a generated request beside its tree. */
 void preset(host &h, dice &d)
 {
@@ -102,31 +93,21 @@ scenario generated(uint32_t seed)
     s.function = !d.one_in(8) ? 'w' : nodes[s.start].kind != 'f' && d.one_in(4) ? 'a' : 'h';
     s.inventory = {s.inventory[d(6)], s.inventory[d(6)]};
     s.tree = grow(d, s.start);
-    uint32_t times = 0;
-    bool nothing = false, called = false;
     if (is_request(s.start) && d.one_in(2)) {
         const id list = d.one_in(4) ? channel : monitor;
-        times = d.pick({1u, 1u, 2u, 3u});
-        called = d.one_in(2);
-        nothing = !called && d.one_in(5); // an entry of nothing: the list node's own children are walked
-        s.pushed = "entries{";
-        for (uint32_t i = d(3) + 1; i > 0; --i)
-            s.pushed += grow(d, list) + ' ';
-        s.pushed += '}';
+        s.pushes = d.pick({1u, 1u, 2u, 3u});
+        s.called = d.one_in(2);
+        s.counted = s.called || !d.one_in(5);
+        s.pushed = "entries";
+        for (uint32_t i = s.counted || d.one_in(2) ? d(3) + 1 : 0; i > 0; --i)
+            s.pushed += (s.pushed.back() == 's' ? '{' : ' ') + grow(d, list);
+        s.pushed += s.pushed == "entries" ? "" : "}";
     }
-    s.leaves_entries = times > 1 || nothing || s.function == 'h';
-    s.change = [d, times, nothing, called, text = s.pushed](host &h) {
+    s.leaves_entries = s.pushes > 1 || !s.counted || s.function == 'h';
+    s.change = [d](host &h) {
         dice now = d;
         preset(h, now);
-        if (times == 0)
-            return;
-        const dtf_datatree *const entries = h.plant(text, ns_of(top));
-        dtf_itree_entry entry{entries->children, entries->child_count, called ? &callback : nullptr};
-        if (nothing)
-            entry = {now.one_in(2) ? nullptr : entry.children, 0, nullptr};
-        push_on_add(h, entry, times);
     };
-    s.pushed.clear();
     return s;
 }
 
@@ -163,20 +144,16 @@ const std::vector<void (*)(dtf_datatree &)> oddities = {
 
 /* ------------------------------------------------------------------------------------------------------ running -- */
 
-void *find(const string &name)
+faultno call(const string &name, dtf_map_ctx ctx, const dtf_datatree *in, dtf_datatree *out)
 {
     static std::map<string, void *> known;
     void *&address = known[name];
     if (address == nullptr && (address = dlsym(RTLD_DEFAULT, name.c_str())) == nullptr)
         throw std::runtime_error("not exported: " + name);
-    return address;
-}
-
-faultno call(const string &name, dtf_map_ctx ctx, const dtf_datatree *in, dtf_datatree *out)
-{
-    void *const address = find(name);
-    return name.find("_cont_") != string::npos ? reinterpret_cast<counting_function>(address)(ctx, in, 77, out)
-                                               : reinterpret_cast<plain_function>(address)(ctx, in, out);
+    return has(name, "_cont_")
+               ? reinterpret_cast<decltype(&ymap_ox_oc_opt_ch_mon_openconfigchannelmonitor_cont_lvla_channelmonitors)>(
+                     address)(ctx, in, 77, out)
+               : reinterpret_cast<decltype(&oc_chmon_list_to_low)>(address)(ctx, in, out);
 }
 
 string shape(const dtf_datatree *node)
@@ -192,17 +169,17 @@ string shape(const dtf_datatree *node)
 
 namespace {
 
-/* All that may change of a request, word by word. */
-template <typename F> void for_each_word(const host &h, F &&f)
+/* A sum over all that may change of a request. */
+string state_sum(const host &h)
 {
-    for (const uint32_t word : {h.state.expand_mode, h.state.delete_walk, h.state.filter_flags, h.state.req_flags,
-                                h.state.replace_pending, h.context.list_node_op, h.context.data_printed})
-        f(word);
+    uint64_t sum = 0;
+    const auto add = [&sum](auto... words) { ((sum = (sum ^ words) * 0x100000001b3u), ...); };
+    add(h.state.expand_mode, h.state.delete_walk, h.state.filter_flags, h.state.req_flags, h.state.replace_pending,
+        h.context.list_node_op, h.context.data_printed);
     for (const dtf_datatree *node : h.nodes)
-        for (const uint32_t word :
-             {node->operation, node->node_kind, uint32_t{node->kind_flags}, uint32_t{node->is_key}, node->flags,
-              node->child_count, uint32_t{node->children != nullptr}})
-            f(word);
+        add(node->operation, node->node_kind, node->kind_flags, node->is_key, node->flags, node->child_count,
+            node->children != nullptr);
+    return " ~" + std::to_string(sum);
 }
 
 /* A path in two letters, its list and its leaf: I an interface-configuration, O an ots-port, S a
@@ -244,13 +221,10 @@ faultno play(host &h, const scenario &s, dtf_datatree *in, bool by_account)
     return s.function == 'h' ? hook(s.start, in) : model(h).walk(s.start, in);
 }
 
-/* The lines of a run that the plug-in is held to: not pure questions and copies, whose number is its own affair. */
-void take_lines(const host &h, const std::vector<uint64_t> &sums, outcome &result)
+/* What a run leaves: the lines that the plug-in is held to, result and stack. */
+void take_lines(const host &h, outcome &result)
 {
-    static const std::set<string> own_affair = {"is_delete", "itree_peak", "itree_size", "copy"};
-    for (std::size_t i = 0; i < h.lines.size(); ++i)
-        if (!own_affair.contains(h.lines[i].substr(0, h.lines[i].find(' '))))
-            result.lines.push_back(h.lines[i] + " ~" + std::to_string(sums[i]));
+    std::ranges::remove_copy_if(h.lines, std::back_inserter(result.lines), host::is_own_affair);
     result.lines.push_back(printed("rc=%x error_tag=%s itree=%zu hierarchy=%u", result.rc,
                                    h.state.error_tag == nullptr ? "null" : h.state.error_tag, h.itree.size(),
                                    h.state.hierarchy_len));
@@ -272,8 +246,12 @@ outcome run(const scenario &s, const circumstance &c, bool by_account)
     h.context.list_node_op = 77;
     h.poison = true;
     if (!s.pushed.empty()) {
-        const dtf_datatree *const entries = h.plant(s.pushed, ns_of(top));
-        push_on_add(h, {entries->children, entries->child_count, &callback}, 1);
+        const dtf_datatree *const list = h.plant(s.pushed, ns_of(top));
+        const dtf_itree_entry entry{list->children, s.counted ? list->child_count : 0, s.called ? &callback : nullptr};
+        h.on_add = [entry, times = s.pushes](host &, const addition &add) mutable {
+            if (add.new_list_entry == 1 && times > 0 && times-- > 0)
+                dtf_map_util_itree_stack_push(&current->context, entry.children, entry.count, entry.callback);
+        };
     }
     if (s.change)
         s.change(h);
@@ -287,19 +265,13 @@ outcome run(const scenario &s, const circumstance &c, bool by_account)
     for (const dtf_datatree *node : h.nodes)
         before.push_back(*node);
     const std::size_t depth = h.itree.size();
-    std::vector<uint64_t> sums;
-    const bool watched = c.sinks == all_sinks && h.nodes.size() < 100; // more are too many to follow step by step
-    h.watch = [&] {
-        sums.push_back(0);
-        if (watched)
-            for_each_word(h, [&](uint32_t word) { sums.back() = (sums.back() ^ word) * 0x100000001b3u; });
-    };
+    if (c.sinks == all_sinks && h.nodes.size() < 100) // more are too many to follow step by step
+        h.watch = [&h] { return state_sum(h); };
     outcome result;
     result.rc = play(h, s, in, by_account);
     h.note("after");
-    h.watch = nullptr;
     result.calls = h.calls;
-    take_lines(h, sums, result);
+    take_lines(h, result);
     for (std::size_t i = 0; i < before.size(); ++i)
         h.violate(!is_kept(before[i], *h.nodes[i], expanding), "changed: " + h.name(h.nodes[i]));
     h.violate(!primed, "no client library");
@@ -343,25 +315,27 @@ string compare(const scenario &s, const circumstance &c, std::size_t *calls)
 
 namespace {
 
-/* One row of the file: "node kind code setting=number ...". */
+/* One row of the file: "node kind code setting=number ...: tree". */
 scenario read_row(const string &line)
 {
-    std::istringstream words(line);
+    const string row_start = line.substr(0, line.find(": "));
+    std::istringstream words(row_start);
     scenario row;
-    string part, setting;
+    string part;
     words >> part >> row.kind >> std::hex >> row.rc;
     while (row.start < ids && nodes[row.start].part != part)
         row.start = static_cast<id>(row.start + 1);
-    std::map<string, uint32_t> settings;
-    while (words >> setting)
-        settings[setting.substr(0, setting.find('='))] =
-            static_cast<uint32_t>(std::stoul(setting.substr(setting.find('=') + 1)));
-    row.leaves_entries = settings.contains("stack"); // 16 bits do not see one more
-    row.change = [settings](host &h) mutable {
-        h.itree.resize(settings["stack"]);
-        h.state.output_list_len = static_cast<uint8_t>(settings["listed"]);
-        h.request.req_option_bits = settings["options"];
-        h.request.req_scope = settings["scope"];
+    row.tree = line.substr(row_start.size() + 2);
+    const auto set = [&row_start](const string &what) -> uint32_t {
+        const auto at = row_start.find(' ' + what + '=');
+        return at == string::npos ? 0 : static_cast<uint32_t>(std::stoul(row_start.substr(at + what.size() + 2)));
+    };
+    row.leaves_entries = set("stack") != 0; // 16 bits do not see one more
+    row.change = [stack = set("stack"), listed = set("listed"), options = set("options"),
+                  scope = set("scope")](host &h) {
+        h.itree.resize(stack);
+        h.state.output_list_len = static_cast<uint8_t>(listed);
+        h.request.req_option_bits = options, h.request.req_scope = scope;
     };
     return row;
 }
@@ -378,8 +352,6 @@ const std::vector<scenario> &table()
                 all.back().expected = line.substr(3);
             else if (line.starts_with("  + "))
                 all.back().pushed = line.substr(4);
-            else if (line.starts_with("    "))
-                all.back().tree = line.substr(4);
             else if (!line.empty() && line[0] != '#')
                 all.push_back(read_row(line));
         return all;

@@ -18,8 +18,11 @@ struct scenario {
     id start = reference::top;
     uint32_t kind = 10;
     std::string tree{};
-    /* "entries{...}": list entries that the framework pushes within the first addition of a list entry. */
+    /* "entries{...}": list entries that the framework pushes within additions of a list entry: how often, whether with
+     * a callback, and whether their count is told. */
     std::string pushed{};
+    uint32_t pushes = 1;
+    bool called = true, counted = true;
     /* Written by hand in the rows of table(): the result and the summary of the outcome. */
     faultno rc = 0;
     std::string expected{};
@@ -71,11 +74,7 @@ std::string compare(const scenario &s, const circumstance &c, std::size_t *calls
 /* "channel-monitors:3{channel-monitor@4:4{name:1!}}": operation, node_kind, key. */
 std::string shape(const dtf_datatree *node);
 
-/* An exported function by its name. */
-using plain_function = faultno (*)(dtf_map_ctx, const dtf_datatree *, dtf_datatree *);
-using counting_function = faultno (*)(dtf_map_ctx, const dtf_datatree *, unsigned, dtf_datatree *);
-void *find(const std::string &name);
-/* Calls it; a container hook is given a count, too. */
+/* Calls an exported function by its name; a container hook is given a count, too. */
 faultno call(const std::string &name, dtf_map_ctx ctx, const dtf_datatree *in, dtf_datatree *out);
 
 } // namespace recording
