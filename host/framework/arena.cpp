@@ -9,7 +9,7 @@ namespace {
 
 /* Blocks double from the first size to the last one: a small request stays small, a large one costs few blocks. */
 constexpr std::size_t first_block = std::size_t{16} << 10;
-constexpr std::size_t last_block = pooled_block_size;
+constexpr std::size_t last_block = std::size_t{8} << 20;
 
 } // namespace
 
@@ -34,7 +34,7 @@ std::byte *arena::open_block(std::size_t size)
     const std::size_t doubled = first_block << std::min<std::size_t>(blocks_.size(), 16);
     const std::size_t standard = std::min(doubled, last_block);
     const bool alone = size > standard / 4;
-    blocks_.push_back(allocate_block(alone ? size : standard));
+    blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(alone ? size : standard));
     std::byte *const begin = blocks_.back().get();
     if (!alone) {
         next_ = begin + size;

@@ -5,7 +5,6 @@
 #ifndef FRAMEWORK_ARENA_H
 #define FRAMEWORK_ARENA_H
 
-#include "big_block.h"
 #include "dtf.h"
 
 #include <cstddef>
@@ -56,7 +55,7 @@ class arena
     std::size_t left_ = 0;
     std::size_t used_ = 0;
     bool poison_ = false;
-    std::vector<memory_block> blocks_;
+    std::vector<std::unique_ptr<std::byte[]>> blocks_;
     std::vector<std::shared_ptr<const void>> kept_;
 };
 

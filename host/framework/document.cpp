@@ -1,6 +1,5 @@
 #include "document.h"
 
-#include "big_block.h"
 #include "json_reader.h"
 #include "xml_reader.h"
 
@@ -59,10 +58,9 @@ class open_file
 /* Uninitialised, but for the padding behind `size`: pages of a large buffer are first touched by the read itself. */
 std::shared_ptr<char[]> make_buffer(std::size_t size)
 {
-    memory_block block = allocate_block(size + document_text::padding);
-    std::memset(block.get() + size, 0, document_text::padding);
-    char *const bytes = reinterpret_cast<char *>(block.get());
-    return {bytes, [owned = std::shared_ptr(std::move(block))](char *) {}};
+    std::unique_ptr<char[]> bytes = std::make_unique_for_overwrite<char[]>(size + document_text::padding);
+    std::memset(bytes.get() + size, 0, document_text::padding);
+    return bytes;
 }
 
 /* A first guess of the size: that of a regular file, and for a pipe something to begin with. */

@@ -51,8 +51,11 @@ bool stand_together(siblings nodes)
     const dtf_datatree *firsts[most_runs];
     std::size_t runs = 0;
     for (; !nodes.empty(); nodes = nodes.subspan(run_length(nodes))) {
-        const auto is_known = [&](const dtf_datatree *first) { return same_name(*first, nodes[0]); };
-        if (runs == most_runs || std::any_of(firsts, firsts + runs, is_known))
+        for (std::size_t i = 0; i < runs; ++i) {
+            if (same_name(*firsts[i], nodes[0]))
+                return false;
+        }
+        if (runs == most_runs)
             return false;
         firsts[runs++] = &nodes[0];
     }
@@ -78,8 +81,9 @@ std::vector<dtf_datatree> put_together(siblings nodes)
 }
 
 /*
- * A member name in its parent's module with what the schema tells of it, ready to be copied. Trees name few different
- * members, and equal names below equal parents are mostly the same texts, so they are known by their addresses.
+ * A member name in its parent's module with the line break before it and what the schema tells of it, ready to be
+ * copied. Trees name few different members, and equal names below equal parents are mostly the same texts, so they are
+ * known by their addresses.
  */
 class ready_names
 {
@@ -90,38 +94,46 @@ class ready_names
     struct entry {
         const char *tag = nullptr;
         const schema_node *facts_above = nullptr;
+        std::size_t level = 0;
         const schema_node *facts = nullptr;
-        std::size_t size = 0; /* of the name's text; 0: it is not kept ready */
-        std::array<char, room> text;
+        std::size_t size = 0;            /* of the text; 0: it is not kept ready */
+        std::array<char, room + 1> text; /* ",\n  "name": ", of which the first member leaves the comma out */
+
+        /* Returns the end of the copy. */
+        char *put(char *to, bool is_first) const
+        {
+            const std::size_t skipped = is_first ? 1 : 0;
+            std::memcpy(to, text.data() + skipped, room);
+            return to + size - skipped;
+        }
     };
 
     explicit ready_names(bool pretty) : pretty_(pretty) {}
 
-    /* What is known of `node`, a child of `above` in the same namespace. */
-    const entry &find(const dtf_datatree &node, const dtf_datatree &above, const schema_node *facts_above)
+    /* What is known of `node`, a child of `above` in the same namespace, whose members are at `level`. */
+    const entry &find(const dtf_datatree &node, const dtf_datatree &above, const schema_node *facts_above,
+                      std::size_t level)
     {
         const auto address = reinterpret_cast<std::uintptr_t>(node.tag) ^ reinterpret_cast<std::uintptr_t>(facts_above);
-        entry &slot = entries_[(address >> 2) % entries_.size()];
-        if (slot.tag != node.tag || slot.facts_above != facts_above)
-            make(slot, node, above, facts_above);
+        entry &slot = entries_[((address >> 2) + level) % entries_.size()];
+        if (slot.tag != node.tag || slot.facts_above != facts_above || slot.level != level)
+            make(slot, node, above, facts_above, level);
         return slot;
     }
 
   private:
-    void make(entry &slot, const dtf_datatree &node, const dtf_datatree &above, const schema_node *facts_above)
+    void make(entry &slot, const dtf_datatree &node, const dtf_datatree &above, const schema_node *facts_above,
+              std::size_t level) const
     {
-        slot.tag = node.tag;
-        slot.facts_above = facts_above;
-        slot.facts = schema_of(node, above, facts_above);
-        slot.size = 0;
-        const char *rest = node.tag;
-        constexpr std::size_t most = room - 4; /* quotes, colon, space */
-        char *const end = copy_plain(slot.text.data() + 1, rest, json_special, most);
-        if (*rest != '\0')
+        slot = {node.tag, facts_above, level, schema_of(node, above, facts_above), 0, {}};
+        const std::string line = pretty_ ? "\n" + std::string(2 * level, ' ') : "";
+        const std::string text = "," + line + "\"" + node.tag + (pretty_ ? "\": " : "\":");
+        const bool is_plain = std::ranges::none_of(std::string_view(node.tag),
+                                                   [](char c) { return json_special[static_cast<unsigned char>(c)]; });
+        if (text.size() > room || !is_plain)
             return;
-        slot.text[0] = '"';
-        std::copy_n("\": ", 3, end);
-        slot.size = static_cast<std::size_t>(end - slot.text.data()) + (pretty_ ? 3 : 2);
+        slot.size = text.size();
+        std::ranges::copy(text, slot.text.begin());
     }
 
     bool pretty_;
@@ -156,6 +168,8 @@ class json_writer
     void write_members();
     void close();
     void write_member(open_object &in);
+    bool write_ready_leaf(open_object &in);
+    const schema_node *begin_member(const dtf_datatree &node, open_object &in);
     const schema_node *write_name(const dtf_datatree &node, const open_object &in, std::string_view mark);
     void write_element(open_object &in);
     void end_array(open_object &in);
@@ -255,12 +269,11 @@ void json_writer::close()
 /* The next member: as a whole where it is a leaf, else its beginning. */
 void json_writer::write_member(open_object &in)
 {
-    if (!std::exchange(in.is_first, false))
-        sink_.put(",");
+    if (write_ready_leaf(in))
+        return;
     const siblings run = in.rest.first(run_length(in.rest));
     in.rest = in.rest.subspan(run.size());
-    begin_line(in.level);
-    const schema_node *const facts = write_name(run[0], in, "");
+    const schema_node *const facts = begin_member(run[0], in);
     if (run.size() > 1 || (facts != nullptr && facts->kind == schema_kind::list)) {
         sink_.put("[");
         in.run = run;
@@ -273,19 +286,55 @@ void json_writer::write_member(open_object &in)
     }
 }
 
+/*
+ * The next member where it is one leaf with a ready name and a plain text, as nearly all are; else false, and nothing
+ * is written.
+ */
+bool json_writer::write_ready_leaf(open_object &in)
+{
+    const dtf_datatree &node = in.rest[0];
+    if ((node.flags & (DTF_FLAG_HAS_VALUE | DTF_FLAG_HAS_SUBTREE)) != DTF_FLAG_HAS_VALUE || node.value == nullptr ||
+        in.facts == nullptr || node.ns != in.node->ns || options_.notes)
+        return false;
+    if (in.rest.size() > 1 && same_name(in.rest[1], node))
+        return false;
+    const ready_names::entry &name = names_.find(node, *in.node, in.facts, in.level);
+    if (name.size == 0 || (name.facts != nullptr && name.facts->kind != schema_kind::text_leaf))
+        return false;
+    const char *text = node.value;
+    char *to = name.put(sink_.room(), in.is_first);
+    *to++ = '"';
+    to = copy_plain(to, text, json_special, text_sink::most_room - 2 * ready_names::room);
+    if (*text != '\0')
+        return false;
+    *to++ = '"';
+    sink_.taken(to);
+    in.is_first = false;
+    in.rest = in.rest.subspan(1);
+    return true;
+}
+
+/* Line break and name of the next member. Returns what is known of it. */
+const schema_node *json_writer::begin_member(const dtf_datatree &node, open_object &in)
+{
+    const bool is_first = std::exchange(in.is_first, false);
+    if (in.facts != nullptr && (node.ns == in.node->ns || node.ns == nullptr)) {
+        const ready_names::entry &name = names_.find(node, *in.node, in.facts, in.level);
+        if (name.size != 0) {
+            sink_.taken(name.put(sink_.room(), is_first));
+            return name.facts;
+        }
+    }
+    if (!is_first)
+        sink_.put(",");
+    begin_line(in.level);
+    return write_name(node, in, "");
+}
+
 /* The member name, and what is known of it; the mark "@" makes it that of an annotation. */
 const schema_node *json_writer::write_name(const dtf_datatree &node, const open_object &in, std::string_view mark)
 {
     const bool is_inherited = node.ns == nullptr || same_namespace(node.ns, in.node->ns);
-    if (is_inherited && in.facts != nullptr && mark.empty()) {
-        const ready_names::entry &name = names_.find(node, *in.node, in.facts);
-        if (name.size != 0) {
-            char *const to = sink_.room(ready_names::room);
-            std::memcpy(to, name.text.data(), ready_names::room);
-            sink_.taken(to + name.size);
-            return name.facts;
-        }
-    }
     sink_.put("\"");
     sink_.put(mark);
     if (!is_inherited) {
