@@ -1,6 +1,21 @@
 #pragma once
 #include "in_children.h"
 #include <string>
+#include <vector>
+
+/* Every text that is put together of one part from each row. */
+inline std::vector<std::string> products(const std::vector<std::vector<std::string>> &rows)
+{
+    std::vector<std::string> all = {""};
+    for (const auto &row : rows) {
+        std::vector<std::string> longer;
+        for (const std::string &before : all)
+            for (const std::string &part : row)
+                longer.push_back(before + part);
+        all = std::move(longer);
+    }
+    return all;
+}
 
 /* Counts the cases of a loop and what was wrong with them; at its end it prints the counts, from the kind `first` on,
  * and fails below its floor or where one was wrong. */

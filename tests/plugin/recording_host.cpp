@@ -283,7 +283,6 @@ void _plat_dt_log_filter_adv(void *log, uint32_t a, uint32_t b, uint32_t c, uint
     h.violate(h.asked_level != (level == "ERR" ? DTF_LEVEL_ERR : DTF_LEVEL_TRC), "logged without asking");
     h.asked_level.reset();
     h.logged = level + ' ' + line.substr(std::min(start.size(), line.size()));
-    h.format = format;
     h.site_word = site_word;
     h.add_line(h.logged);
     h.violate(*site_word != sites[site_word].word, "site word changed");
@@ -320,9 +319,9 @@ void _ringlog(void *trace_ring, uint64_t tag, const char *line)
     h.add_line(printed("%s %s: ", level, function) + (h.logged.empty() ? text.substr(0, traced) : text));
     if (h.logged.empty())
         return;
-    // A place is a line of a function with a format, and its word is its alone.
+    // A place is a line of a function, and its word is its alone.
     std::string &own = sites[h.site_word].place;
-    const std::string place = printed("%s:%d ", function, number) + h.format;
+    const std::string place = printed("%s:%d", function, number);
     own = own.empty() ? place : own;
     h.violate(own != place || !h.logged.starts_with(level), "site word shared, or two levels: " + place);
 }
@@ -494,12 +493,11 @@ faultno _ostore_bind(void **handle, const char *path, uint32_t options)
 {
     host &h = current->note("bind", path, options);
     h.violate(!library_found, "bind without library");
-    *handle = nullptr;
-    if (h.fails())
-        return h.fail_code;
-    if (!h.null_handle)
-        h.binds.insert(*handle = strdup(path));
-    return 0;
+    const faultno code = h.answer();
+    *handle = code != 0 || h.null_handle ? nullptr : strdup(path);
+    if (*handle != nullptr)
+        h.binds.insert(*handle);
+    return code;
 }
 
 faultno ostore_item_get(void *handle, const char *item, uint32_t *word, void **data, uint32_t *length, uint32_t options)

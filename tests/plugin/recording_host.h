@@ -138,11 +138,11 @@ struct host {
     std::deque<std::vector<token>> parcels;
     std::deque<const std::vector<token> *> parcel_bytes;
     std::size_t tokens_held = 0, walks = 0;
-    /* The report that is being made: its level where the debug log wants it, its trace index, its place and message
-     * once logged. */
+    /* The report that is being made: its level where the debug log wants it, its trace index, its message once
+     * logged, with the site word. */
     std::optional<uint32_t> asked_level{}, drawn{};
     uint32_t *site_word = nullptr;
-    std::string format, logged, log_start;
+    std::string logged, log_start;
     host *previous;
 };
 

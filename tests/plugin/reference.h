@@ -13,7 +13,7 @@ namespace reference {
 
 using recording::current;
 using recording::printed;
-using std::string;
+using std::string, std::string_view;
 
 inline void report(const char *level, const string &function, const string &text)
 {
@@ -32,16 +32,11 @@ inline void err(const string &function, const string &text) { report("ERR", func
 inline std::vector<int> scan(const string &text, const std::vector<string> &literals)
 {
     std::vector<int> numbers(literals.size(), -1);
-    std::size_t at = 0;
-    for (std::size_t i = 0; i < literals.size() && text.compare(at, literals[i].size(), literals[i]) == 0; ++i) {
-        at = text.find_first_not_of(" \t\n\v\f\r", at + literals[i].size());
-        const bool sign = at < text.size() && (text[at] == '-' || text[at] == '+'), minus = sign && text[at] == '-';
-        const std::size_t digits = at + sign, end = std::min(text.find_first_not_of("0123456789", digits), text.size());
-        int64_t value = 0;
-        for (std::size_t d = digits; at != string::npos && d < end && value < 1'000'000'000'000; ++d)
-            value = value * 10 + (text[d] - '0');
-        value = minus ? -value : value;
-        if (at == string::npos || digits >= end || value > INT32_MAX || value < INT32_MIN)
+    const char *at = text.c_str();
+    for (std::size_t i = 0; i < literals.size() && string_view(at).starts_with(literals[i]); ++i) {
+        char *end = nullptr;
+        const long long value = std::strtoll(at += literals[i].size(), &end, 10); // beyond 64 bits: their last number
+        if (end == at || value > INT32_MAX || value < INT32_MIN)
             break;
         numbers[i] = static_cast<int>(value);
         at = end;

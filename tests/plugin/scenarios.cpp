@@ -65,11 +65,6 @@ void preset(host &h, dice &d)
         h.state.req_flags = d.pick({0u, 0x40u, 0x80u, 0x1c0u});
         h.state.replace_pending = d(2);
     }
-    if (d.one_in(4)) {
-        dtf_datatree *const any = h.nodes[d(h.nodes.size())];
-        h.state.root_node = h.nodes[0], h.state.current_node = h.state.plist = any, h.state.reg_dup_datatree = &h.out;
-        h.state.parent_node = any == h.nodes[0] ? nullptr : any;
-    }
     if (d.one_in(20))
         h.context.trace_on = 0x80000000;
     if (d.one_in(4))
@@ -87,7 +82,7 @@ void preset(host &h, dice &d)
 scenario generated(uint32_t seed)
 {
     dice d{std::mt19937(seed)};
-    scenario s;
+    scenario s{seed};
     s.start = d.one_in(3) ? static_cast<id>(d(ids)) : d.pick({top, top, top, monitor, ots, interfaces});
     s.kind = d.pick({0u, 1u, 2u, 8u, 10u, 10u, 10u, 15u, 17u, 33u, 42u});
     s.function = !d.one_in(8) ? 'w' : nodes[s.start].kind != 'f' && d.one_in(4) ? 'a' : 'h';
@@ -150,10 +145,10 @@ faultno call(const string &name, dtf_map_ctx ctx, const dtf_datatree *in, dtf_da
     void *&address = known[name];
     if (address == nullptr && (address = dlsym(RTLD_DEFAULT, name.c_str())) == nullptr)
         throw std::runtime_error("not exported: " + name);
-    return has(name, "_cont_")
-               ? reinterpret_cast<decltype(&ymap_ox_oc_opt_ch_mon_openconfigchannelmonitor_cont_lvla_channelmonitors)>(
-                     address)(ctx, in, 77, out)
-               : reinterpret_cast<decltype(&oc_chmon_list_to_low)>(address)(ctx, in, out);
+    if (has(name, "_cont_"))
+        return reinterpret_cast<faultno (*)(dtf_map_ctx, const dtf_datatree *, unsigned, dtf_datatree *)>(address)(
+            ctx, in, 77, out);
+    return reinterpret_cast<decltype(&oc_chmon_list_to_low)>(address)(ctx, in, out);
 }
 
 string shape(const dtf_datatree *node)
@@ -221,17 +216,6 @@ faultno play(host &h, const scenario &s, dtf_datatree *in, bool by_account)
     return s.function == 'h' ? hook(s.start, in) : model(h).walk(s.start, in);
 }
 
-/* What a run leaves: the lines that the plug-in is held to, result and stack. */
-void take_lines(const host &h, outcome &result)
-{
-    std::ranges::remove_copy_if(h.lines, std::back_inserter(result.lines), host::is_own_affair);
-    result.lines.push_back(printed("rc=%x error_tag=%s itree=%zu hierarchy=%u", result.rc,
-                                   h.state.error_tag == nullptr ? "null" : h.state.error_tag, h.itree.size(),
-                                   h.state.hierarchy_len));
-    for (const dtf_itree_entry &left : h.itree)
-        result.lines.push_back(left.children == nullptr ? "left" : "left " + h.name(left.children));
-}
-
 } // namespace
 
 outcome run(const scenario &s, const circumstance &c, bool by_account)
@@ -271,7 +255,11 @@ outcome run(const scenario &s, const circumstance &c, bool by_account)
     result.rc = play(h, s, in, by_account);
     h.note("after");
     result.calls = h.calls;
-    take_lines(h, result);
+    std::ranges::remove_copy_if(h.lines, std::back_inserter(result.lines), host::is_own_affair);
+    result.lines.push_back(printed("rc=%x itree=%zu hierarchy=%u", result.rc, h.itree.size(), h.state.hierarchy_len) +
+                           " error_tag=" + host::shown(h.state.error_tag));
+    for (const dtf_itree_entry &left : h.itree)
+        result.lines.push_back("left " + h.name(left.children));
     for (std::size_t i = 0; i < before.size(); ++i)
         h.violate(!is_kept(before[i], *h.nodes[i], expanding), "changed: " + h.name(h.nodes[i]));
     h.violate(!primed, "no client library");
@@ -284,31 +272,21 @@ outcome run(const scenario &s, const circumstance &c, bool by_account)
     return result;
 }
 
-string outcome::differs(const outcome &account) const
-{
-    std::size_t i = 0;
-    while (i < lines.size() && i < account.lines.size() && lines[i] == account.lines[i])
-        ++i;
-    if (lines == account.lines)
-        return broken;
-    string text;
-    for (std::size_t earlier = i < 25 ? 0 : i - 25; earlier < i; ++earlier)
-        text += "  " + lines[earlier] + '\n';
-    return text + "is       " + (i < lines.size() ? lines[i] : "nothing") + "\nexpected " +
-           (i < account.lines.size() ? account.lines[i] : "nothing") + '\n' + broken;
-}
-
 string compare(const scenario &s, const circumstance &c, std::size_t *calls)
 {
-    const outcome plugin = run(s, c, false);
+    const outcome plugin = run(s, c, false), account = run(s, c, true);
     if (calls != nullptr)
         *calls = plugin.calls;
-    const string difference = plugin.differs(run(s, c, true));
-    return difference.empty()
-               ? ""
-               : printed("%s, function %c, kind %u, call %zu fails%s with %x\n%s\n", function_name(s.start).c_str(),
-                         s.function, s.kind, c.fail_at, c.fail_on ? " and all after" : "", c.code, s.tree.c_str()) +
-                     difference;
+    const auto [is, expected] = std::ranges::mismatch(plugin.lines, account.lines);
+    if (plugin.lines == account.lines && plugin.broken.empty())
+        return "";
+    string text = printed("seed %u: %s, function %c, kind %u, call %zu fails%s with %x\n%s\n", s.seed,
+                          function_name(s.start).c_str(), s.function, s.kind, c.fail_at,
+                          c.fail_on ? " and all after" : "", c.code, s.tree.c_str());
+    for (auto at = is - std::min<std::ptrdiff_t>(25, is - plugin.lines.begin()); at != is; ++at)
+        text += "  " + *at + '\n';
+    return text + "is       " + (is == plugin.lines.end() ? "nothing" : *is) + "\nexpected " +
+           (expected == account.lines.end() ? "nothing" : *expected) + '\n' + plugin.broken;
 }
 
 /* -------------------------------------------------------------------------------------------------------- rows -- */

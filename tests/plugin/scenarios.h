@@ -3,9 +3,8 @@
  * the plug-in or by the account of it, and checks what holds after every call; loops over runs are the tests.
  *
  *     recording::scenario s = recording::generated(seed);                 or a row of table()
- *     const auto is = recording::run(s, {.fail_at = 3, .fail_on = true}, false);
- *     if (!is.broken.empty()) ...                    something was left over, freed twice, or changed and must not be
- *     is.differs(recording::run(s, same, true))      "" or the first difference from the account
+ *     recording::run(s, {.fail_at = 3}, false).broken       what was left over, freed twice, or changed and must not be
+ *     recording::compare(s, {.fail_at = 3, .fail_on = true})     that, and the first difference from the account
  */
 #pragma once
 #include "walk_model.h"
@@ -15,6 +14,7 @@ namespace recording {
 using reference::id;
 
 struct scenario {
+    uint32_t seed = 0;
     id start = reference::top;
     uint32_t kind = 10;
     std::string tree{};
@@ -55,7 +55,6 @@ struct outcome {
     std::string broken{};
     /* Additions in short, the request afterwards ("tag@operation:node_kind{...}", "!" a key), error_tag. */
     std::string summary{};
-    std::string differs(const outcome &account) const;
 };
 
 /* Rows with what they come to, over both directions. */

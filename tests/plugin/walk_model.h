@@ -7,9 +7,7 @@
 
 namespace reference {
 
-class model
-{
-  public:
+struct model {
     explicit model(recording::host &host) : h(host) {}
 
     faultno walk(id n, dtf_datatree *in)
@@ -28,7 +26,6 @@ class model
         return dtf_map_is_request_add(ctx, in) == 0 ? 0 : fail_with_tag(in->tag, FAULT_UNSUPPORTED_AUGMENT);
     }
 
-  private:
     /* What a list walker has noted so far; shared by its passes and by all entries it walks. */
     struct notes {
         uint8_t keys = 0, valued = 0;
@@ -73,11 +70,11 @@ class model
         say("ERR", n, text);
         return FAULT_TREE_ERROR;
     }
+    static bool is_foreign(const dtf_datatree *n) { return n->ns == nullptr || string(ns_of(top)) != n->ns; }
     /* A child the walker does not dispatch: unsupported in the own namespace, else for the augment handler. */
-    faultno other_child(id n, const dtf_datatree *child, bool &foreign)
+    faultno other_child(id n, const dtf_datatree *child)
     {
-        foreign = child->ns == nullptr || string(ns_of(top)) != child->ns;
-        if (foreign)
+        if (is_foreign(child))
             return augment(child);
         const char *blank = nodes[n].kind == 'c' ? " " : "";
         say("ERR", n, "Unsupported tag `" + string(child->tag) + '`' + blank + "is specified in the request.");
@@ -215,8 +212,7 @@ class model
         for (const id known : nodes[n].children)
             if (string(nodes[known].tag) == child->tag)
                 return walk(known, child);
-        bool foreign = false;
-        return other_child(n, child, foreign);
+        return other_child(n, child);
     }
 
     void expand_container(id n, dtf_datatree *in)
@@ -439,10 +435,8 @@ class model
                 seen.others = true;
                 return walk(known, child);
             }
-        bool foreign = false;
-        const faultno rc = other_child(n, child, foreign);
-        seen.others = seen.others || foreign;
-        return rc;
+        seen.others = seen.others || is_foreign(child);
+        return other_child(n, child);
     }
 };
 
