@@ -39,8 +39,8 @@ fuzz:
 
 soak:
 	@tools/setup build test
-	@tools/build asan-ubsan
-	@tests/soak build/asan-ubsan
+	@tools/build dev asan-ubsan
+	@tests/soak build/asan-ubsan build/dev
 
 mutate:
 	@tools/setup build test

@@ -97,20 +97,27 @@ std::string cut_from_all(dtf_datatree filter, bool config_only, framework::arena
 
 std::string get(const std::string &document, bool config_only)
 {
+    framework::arena memory;
+    const dtf_datatree filter = parse(document, document_use::read, memory);
+    const bool in_message = document.find("ietf-netconf:") != std::string::npos;
     service::get_options options;
     options.filter = on().document_file;
     options.config_only = config_only;
     options.format = document_format::xml;
-    const std::string xml = service::get_document(on().mapper, on().device, options);
-    options.format = document_format::json;
-    const std::string json = service::get_document(on().mapper, on().device, options);
+    std::string xml, json;
+    try {
+        xml = service::get_document(on().mapper, on().device, options);
+        options.format = document_format::json;
+        json = service::get_document(on().mapper, on().device, options);
+    } catch (const service::netconf_error &error) {
+        if (!in_message)
+            fuzz::report("a filter was refused", error.what() + ('\n' + document));
+        throw;
+    }
     if (as_xml(xml, document_use::data) != xml || as_xml(json, document_use::data) != xml)
         fuzz::report("a reply's encodings differ", xml + json);
-    framework::arena memory;
-    const dtf_datatree filter = parse(document, document_use::read, memory);
-    const bool in_wrapper = document.find("ietf-netconf:filter") != std::string::npos;
-    if (const std::string cut = in_wrapper ? xml : cut_from_all(filter, config_only, memory); cut != xml)
-        fuzz::report("a reply lacks what was not fetched", xml + cut);
+    if (const std::string cut = in_message ? xml : cut_from_all(filter, config_only, memory); cut != xml)
+        fuzz::report("a reply lacks what was not fetched", document + '\n' + xml + cut);
     return xml;
 }
 
@@ -197,11 +204,16 @@ std::string grow(fuzz::input &in, const framework::schema_node &at)
     if (facts % 4 == 3)
         text += std::string(" nc:operation='") + in.pick(operations) + "'";
     text += '>';
-    if (at.children.empty())
-        text += facts % 8 >= 3 ? in.pick(values) : "";
+    if (at.children.empty() && facts % 8 >= 3) {
+        const std::size_t fitting = tag == "name"           ? in.below(4)
+                                    : tag == "monitor-port" ? 6
+                                    : tag == "power"        ? 7
+                                                            : 4 + in.below(2);
+        text += facts % 8 == 3 ? in.pick(values) : values[fitting];
+    }
     /* Runs of one name stand together, as JSON has them. */
     for (const framework::schema_node &child : at.children)
-        for (std::size_t copies = in.byte() % 8; copies > 4; --copies)
+        for (std::size_t copies = in.byte() % 8; copies > 3; --copies)
             text += grow(in, child);
     text += facts % 32 == 2 && !at.children.empty() ? "<extra/>" : "";
     return text + "</" + tag + '>';

@@ -1,5 +1,7 @@
 #include "service/walk.h"
 
+#include "service/netconf_error.h"
+
 #include "framework/faults.h"
 
 #include <cinttypes>
@@ -24,9 +26,9 @@ std::string describe(faultno code, const std::string &path, const std::string &t
 {
     std::string line = code_name(code) + ": " + fault_strerror(code);
     if (!path.empty())
-        line += "; error-path " + path;
+        line += "; error-path " + one_line(path);
     if (!tag.empty())
-        line += "; error-tag " + tag;
+        line += "; error-tag " + one_line(tag);
     return line;
 }
 

@@ -1,10 +1,7 @@
-// The flat form: what is written comes back, whatever the bytes are nothing is read beyond them, and it can hold
-// every node of the native modules.
+// The flat form: what is written comes back, and whatever the bytes are nothing is read beyond them.
 #include "device/flat.h"
-#include "device/schema.h"
 
 #include <gtest/gtest.h>
-#include <libyang/libyang.h>
 #include <vector>
 
 using namespace device;
@@ -70,23 +67,6 @@ TEST(flat, never_leaves_a_damaged_record)
     }
     EXPECT_EQ(records, static_cast<int>(257 * sound.size()));
     EXPECT_GT(records, 9000);
-}
-
-TEST(flat, has_a_tag_for_every_native_node_below_the_containers)
-{
-    const schema modules;
-    unsigned nodes = 0;
-    const auto count = [](lysc_node *node, void *data, ly_bool *) {
-        if (node->nodetype != LYS_CONTAINER) {
-            EXPECT_TRUE(native_tag_of(node->name)) << node->name;
-            ++*static_cast<unsigned *>(data);
-        }
-        return LY_SUCCESS;
-    };
-    for (const char *name : {"Vantra-TALIN-ifmgr-cfg", "Vantra-TALIN-controller-kestrel-ots-oper"}) {
-        lysc_module_dfs_full(ly_ctx_get_module_implemented(modules.context(), name), count, &nodes);
-    }
-    EXPECT_EQ(nodes, native_tag_count);
 }
 
 } // namespace

@@ -13,7 +13,6 @@
 #include <fcntl.h>
 #include <functional>
 #include <random>
-#include <sys/mman.h>
 #include <sys/uio.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -265,9 +264,7 @@ unsigned items_state(device::folder &device)
  */
 TEST_F(crash, every_call_to_the_disk_fails)
 {
-    void *const shared = ::mmap(nullptr, sizeof(unsigned), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    ASSERT_NE(shared, MAP_FAILED);
-    unsigned &calls = *static_cast<unsigned *>(shared);
+    constexpr int refusal = 42, wrong_tag = 43, no_such_call = 44;
     unsigned cases = 0, refused = 0;
     const auto try_call = [&](unsigned at, failing::how manner, bool on, bool many) {
         const auto found = [&] {
@@ -286,22 +283,22 @@ TEST_F(crash, every_call_to_the_disk_fails)
                     fill_items(device, next);
                 else
                     edits::edit(mapper, device, folder_.path, edit_to(next));
+                status = failing::made < at ? no_such_call : 0;
             } catch (const service::netconf_error &error) {
-                status = error.tag() == "resource-denied" || error.tag() == "operation-failed" ? 42 : 43;
+                status = error.tag() == "resource-denied" || error.tag() == "operation-failed" ? refusal : wrong_tag;
             } catch (const ostore::store_error &) {
-                status = 42;
+                status = refusal;
             }
-            calls = failing::made;
             ::_exit(status);
         });
         const int status = finish(editor);
         const unsigned now = found();
-        const int failed = manner == failing::how::death ? -1 : 42;
-        EXPECT_TRUE(status == 0 ? now == next : status == failed && now == before)
-            << "call " << at << " of " << calls << ", way " << static_cast<int>(manner) << (on ? ", lasting" : "")
+        const int failed = manner == failing::how::death ? -1 : refusal;
+        EXPECT_TRUE(status == 0 || status == no_such_call ? now == next : status == failed && now == before)
+            << "call " << at << ", way " << static_cast<int>(manner) << (on ? ", lasting" : "")
             << (many ? ", many pages" : "") << ": status " << status << ", state " << now << " after " << before;
-        refused += status != 0;
-        return status == -1 || calls >= at;
+        refused += status == failed;
+        return status != no_such_call;
     };
     using failing::how;
     for (const how manner : {how::io_error, how::no_space, how::half, how::death})
@@ -309,7 +306,6 @@ TEST_F(crash, every_call_to_the_disk_fails)
             for (const bool many : {false, true})
                 for (unsigned at = 1; try_call(at, manner, on, many) && !HasFailure(); ++at)
                     ++cases;
-    ::munmap(shared, sizeof(unsigned));
     std::printf("failed_disk_calls=%u refused_or_killed=%u\n", cases, refused);
     EXPECT_GE(refused, 80U);
 }
