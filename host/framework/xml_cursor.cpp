@@ -75,11 +75,8 @@ xml_attribute xml_cursor::take_attribute()
     return {name, value};
 }
 
-void xml_cursor::take_end_tag_slowly(std::string_view name)
+void xml_cursor::skip_spaces_in_end_tag()
 {
-    const char *const start = at_;
-    if (take_name() != name)
-        fail(start, "malformed XML: the end tag of another element than <" + std::string(name) + ">");
     skip_spaces();
     if (*at_ != '>')
         fail_here("an end tag without its '>'");

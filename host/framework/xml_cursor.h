@@ -88,8 +88,10 @@ class xml_cursor
     /* The rest of the end tag of the element `name`. */
     void take_end_tag(std::string_view name)
     {
-        if (!take_name(name) || *at_ != '>')
-            take_end_tag_slowly(name);
+        if (!take_name(name))
+            fail_here("the end tag of another element than <" + std::string(name) + ">");
+        if (*at_ != '>')
+            skip_spaces_in_end_tag();
         ++at_;
     }
 
@@ -111,7 +113,7 @@ class xml_cursor
     void skip_spaces();
     mark take_other_mark();
     bool take_attributes_slowly(std::vector<xml_attribute> &attributes);
-    void take_end_tag_slowly(std::string_view name);
+    void skip_spaces_in_end_tag();
     xml_attribute take_attribute();
     void skip_comment();
     void skip_instruction();

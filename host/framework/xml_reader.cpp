@@ -53,7 +53,7 @@ class xml_reader
 
     void start_element();
     void end_element();
-    bool is_wrapper(const name_entry &name) const;
+    bool root_wraps(const name_entry &name) const;
     void read_wrapper(const name_entry &name);
     void open_node(const name_entry &name);
     const name_entry &take_name();
@@ -171,22 +171,29 @@ void xml_reader::start_element()
     const bool is_empty = cursor_.take_attributes(attributes_);
     if (!attributes_.empty())
         declare_namespaces(name);
-    if (open_.empty() && is_wrapper(name)) {
-        is_wrapped_ = true;
+    is_wrapped_ = is_wrapped_ || (open_.empty() && root_wraps(name));
+    if (is_wrapped_ && open_.empty())
         read_wrapper(name);
-    } else {
+    else
         open_node(name);
-    }
     open_.push_back(&name);
     if (is_empty)
         end_element();
 }
 
-bool xml_reader::is_wrapper(const name_entry &name) const
+/* Whether the root element is a wrapper. Refuses a whole NETCONF message. */
+bool xml_reader::root_wraps(const name_entry &name) const
 {
     const std::string_view tag = name.tag;
     const char *const ns = element_namespace(name);
-    return (tag == "data" || tag == "config" || tag == "filter") && (ns == nullptr || ns == netconf_namespace);
+    if ((tag == "data" || tag == "config" || tag == "filter") && (ns == nullptr || ns == netconf_namespace))
+        return true;
+    /* Else it would be an element of no model, or of a filter that selects nothing, and told as that. */
+    const bool is_message =
+        tag == "rpc" || tag == "hello" || tag == "get" || tag == "get-config" || tag == "edit-config";
+    if (ns == nullptr ? is_message : ns == netconf_namespace)
+        builder_.fail_child(tag, "a NETCONF message; the document is what stands in its <filter>, <config> or <data>");
+    return false;
 }
 
 void xml_reader::read_wrapper(const name_entry &name)
