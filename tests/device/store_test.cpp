@@ -1,8 +1,9 @@
-// A device's store: what was loaded comes back, all of it or nothing, and no more is fetched than was asked for.
+// A device's store: what was put in comes back, all of it, and no more is fetched than was asked for.
 #include "ostore/temporary_folder.h"
 
-#include "device/load.h"
+#include "device/folder.h"
 #include "device/native_reader.h"
+#include "device/native_records.h"
 
 #include <gtest/gtest.h>
 
@@ -10,47 +11,44 @@ using namespace device;
 
 namespace {
 
-const schema &modules()
-{
-    static const schema loaded;
-    return loaded;
-}
-
 using leaves = std::vector<std::pair<std::string, std::string>>;
 
-/// A port document as JSON, slice i from i to i + 1, every third without a reading; and the same as leaves.
-std::pair<std::string, std::vector<leaves>> spectrum(const std::string &port, unsigned slices)
-{
-    std::string text;
-    std::vector<leaves> expected;
-    for (unsigned i = 0; i < slices; ++i) {
-        const std::string lower = std::to_string(i), upper = std::to_string(i + 1);
-        expected.push_back({{"lower-frequency", lower}, {"upper-frequency", upper}});
-        text.append(i == 0 ? "" : ",").append(R"({"lower-frequency": ")").append(lower);
-        text.append(R"(", "upper-frequency": ")").append(upper).append("\"");
-        if (i % 3 != 0) {
-            expected.back().emplace_back("rx-power", "-" + upper);
-            text.append(", \"rx-power\": -").append(upper);
+/// A port whose slice i goes from i to i + 1, every third without a reading.
+struct port_with_slices {
+    std::string name;
+    std::vector<leaves> slices;
+
+    port_with_slices(std::string called, unsigned count) : name(std::move(called))
+    {
+        for (unsigned i = 0; i < count; ++i) {
+            const std::string lower = std::to_string(i), upper = std::to_string(i + 1);
+            slices.push_back({{"lower-frequency", lower}, {"upper-frequency", upper}});
+            if (i % 3 != 0) {
+                slices.back().emplace_back("rx-power", "-" + upper);
+            }
         }
-        text += "}";
     }
-    return {"{\"name\": \"" + port + "\", \"ots-spectrum-info\": {\"spectrum-slice-power-info\": [" + text + "]}}",
-            expected};
-}
+};
 
-document ots_oper(const std::string &ports)
+/// Puts the ports in place of all that are there.
+void store_ports(const folder &device, const std::vector<port_with_slices> &ports)
 {
-    return {"oper",
-            R"({"Vantra-TALIN-controller-kestrel-ots-oper:ots-oper": {"ots-ports": {"ots-port": [)" + ports + "]}}}"};
-}
-
-leaves shown(std::string_view entry)
-{
-    leaves texts;
-    for (const native_leaf &leaf : leaves_of(entry)) {
-        texts.emplace_back(text_of(leaf.tag), leaf.value.value_or("(empty)"));
+    native_records records;
+    records.begin_ports();
+    for (const port_with_slices &port : ports) {
+        records.begin_port(port.name, std::vector<native_leaf>{{native_tag::name, port.name}});
+        for (const leaves &slice : port.slices) {
+            std::vector<native_leaf> leaves_given;
+            for (const auto &[tag, value] : slice) {
+                leaves_given.push_back({native_tag_of(tag).value(), value});
+            }
+            records.add_slice(leaves_given);
+        }
+        records.end_port();
     }
-    return texts;
+    ostore::write_transaction txn(device.database());
+    records.store(txn);
+    txn.commit();
 }
 
 /// All slices of a port, in terms of what the cursor promises.
@@ -77,22 +75,18 @@ class store : public testing::Test
 
 TEST_F(store, gives_back_spectra_of_any_size_and_fetches_only_what_is_asked_for)
 {
-    std::string text;
-    std::vector<std::pair<std::string, std::vector<leaves>>> expected;
+    std::vector<port_with_slices> expected;
     for (const unsigned size : {0U, 1U, 255U, 256U, 257U, 1000U}) {
         // Names that begin alike: a port's records are not another one's.
-        expected.emplace_back("Ots0/1/0/" + std::string(expected.size(), '1'), std::vector<leaves>());
-        const auto &[port, slices] = spectrum(expected.back().first, size);
-        expected.back().second = slices;
-        text += (text.empty() ? "" : ",") + port;
+        expected.emplace_back("Ots0/1/0/" + std::string(expected.size(), '1'), size);
     }
-    load(device_, modules(), {ots_oper(text)});
+    store_ports(device_, expected);
     for (const auto &[name, slices] : expected) {
         const ostore::read_transaction txn(device_.database());
         const native_reader reader(txn);
         const auto port = reader.port(name);
         ASSERT_TRUE(port) << name;
-        EXPECT_EQ(shown(port->entry), (leaves{{"name", name}}));
+        EXPECT_EQ(leaves_of(port->entry).size(), 1U);
         EXPECT_EQ(port->slice_count, slices.size());
         EXPECT_EQ(txn.counts().records, 1U);
         EXPECT_EQ(slices_of(reader, *port), slices);
@@ -100,24 +94,21 @@ TEST_F(store, gives_back_spectra_of_any_size_and_fetches_only_what_is_asked_for)
     }
     const ostore::read_transaction txn(device_.database());
     std::size_t ports = 0;
-    native_reader(txn).each_port([&](const ots_port &port) { EXPECT_EQ(port.name, expected.at(ports++).first); });
+    native_reader(txn).each_port([&](const ots_port &port) { EXPECT_EQ(port.name, expected.at(ports++).name); });
     EXPECT_EQ(ports, expected.size());
     EXPECT_EQ(txn.counts().records, expected.size());
     EXPECT_FALSE(native_reader(txn).port("Ots0/1/0/2"));
     EXPECT_FALSE(native_reader(txn).port(std::string(600, 'x')));
 
-    load(device_, modules(), {ots_oper(spectrum("Ots0/1/0/1", 1).first)});
-    unsigned records = 0;
-    const ostore::read_transaction after(device_.database());
-    for (ostore::cursor at(after, device_.database().table(slices_table)); at.next();)
-        ++records;
-    EXPECT_EQ(records, 1U) << "what was loaded before is gone, slices too";
+    store_ports(device_, {{"Ots0/1/0/1", 1}});
+    ostore::write_transaction after(device_.database());
+    EXPECT_EQ(after.erase_all(device_.database().table(slices_table)), 1U) << "what was stored before is gone";
 }
 
 // Each byte of each record changed and cut: a reader refuses, or gives as many slices as the port says.
 TEST_F(store, refuses_damaged_records)
 {
-    load(device_, modules(), {ots_oper(spectrum("p", 3).first)});
+    store_ports(device_, {{"p", 3}});
     int cases = 0, refused = 0;
     const auto try_record = [&](const char *table, const std::string &key, const std::string &value) {
         ostore::write_transaction txn(device_.database()); // never committed

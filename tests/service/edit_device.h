@@ -59,13 +59,11 @@ inline void fill(device::folder &device)
 /* Edits from a text, which goes through a file as a user's does. */
 inline std::vector<service::entry_change> edit(const service::plugin &mapper, device::folder &device,
                                                const std::filesystem::path &folder, const std::string &text,
-                                               service::edit_operation otherwise = service::edit_operation::merge,
-                                               bool dry_run = false)
+                                               service::edit_operation otherwise = service::edit_operation::merge)
 {
     service::edit_options options;
     options.document = folder / "edit.xml";
     options.default_operation = otherwise;
-    options.dry_run = dry_run;
     std::ofstream(options.document) << text;
     return service::edit_device(mapper, device, options);
 }
