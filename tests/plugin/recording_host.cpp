@@ -6,6 +6,7 @@
 #include <cstring>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <numeric>
 #include <unistd.h>
 
 namespace recording {
@@ -91,10 +92,12 @@ void host::violate(bool broken, std::string_view what)
 
 void host::add_line(const std::string &line) { lines.push_back(line + (watch ? watch() : "")); }
 
-/* A report is over when anything else happens: both sinks must have had it by then. */
+/* A report is over when anything else happens: both sinks must have had it by then. Whatever happens, the error tag is
+ * null or a copy that lives. */
 void host::finish_report()
 {
     violate(drawn.has_value() || asked_level.has_value(), "report left unfinished");
+    violate(state.error_tag != nullptr && !copies.contains(state.error_tag), "error_tag is no copy");
     drawn.reset();
     asked_level.reset();
     logged.clear();
@@ -235,11 +238,8 @@ std::string host::imbalance(std::size_t stack_at_entry)
         {"named copies", copies.size() - copies.count(state.error_tag)}};
     for (const auto &[of, count] : left)
         violate(count != 0, printed("left over: %zu %s", count, of));
-    violate(state.error_tag != nullptr && !copies.contains(state.error_tag), "error_tag is no copy");
-    std::string all;
-    for (const auto &violation : violations)
-        all += violation + '\n';
-    return all;
+    return std::accumulate(violations.begin(), violations.end(), std::string(),
+                           [](const std::string &all, const std::string &next) { return all + next + '\n'; });
 }
 
 } // namespace recording

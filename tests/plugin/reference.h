@@ -200,11 +200,7 @@ inline bool find_value(const dtf_datatree *node, const string &wanted, string pa
 }
 
 inline bool is_read() { return current->request.data_input == 0 || current->request.data_input == 10; }
-inline bool is_keyed()
-{
-    const uint32_t kind = current->request.data_input;
-    return kind == 1 || kind == 8 || kind == 15;
-}
+inline bool is_keyed() { return std::set{1u, 8u, 15u}.contains(current->request.data_input); }
 inline bool is_configuration() { return is_keyed() || current->request.data_input == 0; }
 inline bool deletes(const dtf_datatree *node) { return node->operation == 3 || node->operation == 4; }
 

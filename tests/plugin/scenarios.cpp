@@ -48,8 +48,7 @@ string grow(dice &d, id n)
 
 faultno callback(dtf_map_ctx ctx, const dtf_datatree *node, dtf_datatree *out, uint32_t reserved)
 {
-    host &h = *current;
-    h.note("callback", node, reserved, ctx == &h.context && out == &h.out);
+    current->note("callback", node, reserved, ctx == &current->context && out == &current->out);
     return 0x77;
 }
 

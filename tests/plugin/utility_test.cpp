@@ -80,7 +80,6 @@ TEST(utility, bounds)
 
 TEST(utility, replace_and_copy)
 {
-    const host copies;
     figure all{"replaced", 2000};
     const string text = "a/b/c";
     EXPECT_STREQ(replace_str(text.c_str(), "/", "%2f"), "a%2fb/c");

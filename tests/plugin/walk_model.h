@@ -65,11 +65,7 @@ struct model {
         dtf_oc_error_path(ctx);
         return code;
     }
-    faultno fail_structure(id n, const char *text)
-    {
-        say("ERR", n, text);
-        return FAULT_TREE_ERROR;
-    }
+    static faultno fail_structure(id n, const char *text) { return say("ERR", n, text), FAULT_TREE_ERROR; }
     static bool is_foreign(const dtf_datatree *n) { return n->ns == nullptr || string(ns_of(top)) != n->ns; }
     /* A child the walker does not dispatch: unsupported in the own namespace, else for the augment handler. */
     faultno other_child(id n, const dtf_datatree *child)

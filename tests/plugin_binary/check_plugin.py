@@ -33,13 +33,9 @@ def declared_in(header):
     text = text.replace('extern "C" {', "")
     while "{" in text:
         text = re.sub(r"\{[^{}]*\}", "", text)
-    names = set()
-    for declaration in text.split(";"):
-        if "typedef" in declaration:
-            continue
-        if found := re.search(r"(\w+)\s*\(", declaration) or re.search(r"\bextern\b.*?(\w+)\s*(\[\])?\s*$", declaration):
-            names.add(found[1])
-    return names
+    found = [re.search(r"(\w+)\s*\(", declaration) or re.search(r"\bextern\b.*?(\w+)\s*(\[\])?\s*$", declaration)
+             for declaration in text.split(";") if "typedef" not in declaration]
+    return {name[1] for name in found if name}
 
 
 def symbols(*options):
