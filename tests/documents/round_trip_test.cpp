@@ -1,15 +1,19 @@
 /* What is read is what was written, in both encodings; and both encodings of one document are one tree. */
+#include "document.h"
 #include "edit_operations.h"
 #include "json_writer.h"
 #include "tree.h"
-#include "tree_text.h"
 #include "xml_writer.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <random>
+#include <unistd.h>
 
 using namespace framework;
 
@@ -65,6 +69,44 @@ const pair_of_documents pairs[] = {
         "@v": [null, {"ietf-netconf:operation": "delete"}]}})"},
     {document_use::read, "<filter xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' type='subtree'/>", "{}"},
 };
+
+/* All that a reader sets, a line per node; also checks that flags, counts and pointers agree. */
+void append_tree(std::string &text, const dtf_datatree &node, std::size_t level)
+{
+    const bool has_value = (node.flags & DTF_FLAG_HAS_VALUE) != 0;
+    const bool has_children = (node.flags & DTF_FLAG_HAS_SUBTREE) != 0;
+    const bool agree = has_value == (node.value != nullptr) && has_children == (node.child_count > 0) &&
+                       has_children == (node.children != nullptr);
+    EXPECT_TRUE(agree && (node.flags & DTF_FLAG_VALID) != 0) << text;
+    if (node.tag != nullptr) {
+        text += std::string(2 * level, ' ') + node.tag + " {" + (node.ns == nullptr ? "" : node.ns) + "}";
+        text += has_value ? " = '" + std::string(node.value) + "'" : "";
+        text += " op " + std::to_string(node.operation) + ((node.flags & DTF_FLAG_OP_SET) != 0 ? "!\n" : "\n");
+    }
+    for (std::uint32_t i = 0; i < node.child_count; ++i)
+        append_tree(text, node.children[i], level + 1);
+}
+
+std::string tree_text(const dtf_datatree &root)
+{
+    std::string text;
+    append_tree(text, root, 0);
+    return text;
+}
+
+/* The tree of a document as text, or "error: " and the message. The document is called "doc" in messages. */
+std::string parsed(std::string_view document, document_use use)
+{
+    arena memory;
+    document_options options;
+    options.use = use;
+    try {
+        return tree_text(parse_document(make_document_text(document, "doc"), memory, options));
+    } catch (const parse_error &error) {
+        EXPECT_EQ(std::string_view(error.what()).find('\n'), std::string_view::npos) << error.what();
+        return std::string("error: ") + error.what();
+    }
+}
 
 /* Every spelling a writer has, read again; each time the same tree. */
 void expect_round_trips(const dtf_datatree &root, document_use use, const std::string &what)
@@ -201,6 +243,34 @@ TEST(documents, what_is_no_text_comes_out_as_a_replacement)
     const std::string rest = "|" + r + "|" + r + r + r + "|" + r + r + "|" + r + "|" + r + r;
     EXPECT_EQ(xml, "<a>" + r + rest + "</a>");
     EXPECT_EQ(json, "{\"a\":\"\\u0001" + rest + "\"}");
+}
+
+/* A document's text, or the message of the refusal. */
+std::string read_or_refused(const std::string &path, std::size_t limit)
+{
+    try {
+        return std::string(read_document_text(path, limit).view());
+    } catch (const std::runtime_error &error) {
+        return error.what();
+    }
+}
+
+/* A pipe has no size to go by, so the buffer grows; and over the limit reading stops. */
+TEST(documents, are_too_large_or_cannot_be_read)
+{
+    const std::string document = "<a>" + std::string(500'000, 'x') + "</a>";
+    const std::string file = testing::TempDir() + "document." + std::to_string(::getpid());
+    std::ofstream(file) << document;
+    for (const std::size_t limit : {document.size(), document.size() - 1}) {
+        const std::unique_ptr<std::FILE, int (*)(std::FILE *)> pipe(::popen(("cat " + file).c_str(), "r"), ::pclose);
+        for (const std::string &source : {"/dev/fd/" + std::to_string(::fileno(pipe.get())), file})
+            EXPECT_EQ(read_or_refused(source, limit),
+                      limit == document.size()
+                          ? document
+                          : source + ": document is larger than the limit of " + std::to_string(limit) + " bytes");
+    }
+    std::filesystem::remove(file);
+    EXPECT_EQ(read_or_refused(testing::TempDir(), 1), testing::TempDir() + ": cannot read: it is a directory");
 }
 
 } // namespace

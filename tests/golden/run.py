@@ -4,8 +4,8 @@
 usage: run.py --chmon PROGRAM [--floor N] [--write] CASES-FOLDER|DOCUMENT.md ...
 
 A case is a folder, at any depth, that holds a file `command`: one command line of chmon per line, quoted as in a shell,
-without the program's name ("< FILE" at its end gives standard input, NAME=VALUE before it the environment; lines with #
-are remarks). They run one after the
+without the program's name (NAME=VALUE before it gives environment; "< FILE" at its end standard input, and "<<< TEXT"
+the rest of the line as standard input, \\n, \\x and the like replaced; lines with # are remarks). They run one after the
 other in a scratch copy of the folder, in which `examples` and `shared` lead to the examples and to tests/golden/shared.
 
     expected        what they print on standard output, all together; without it they must print nothing
@@ -54,16 +54,16 @@ def make_scratch(folder, into):
 
 def run_line(program, line, scratch, error):
     """Runs one command line; `error` is where its standard error goes. Returns status, output, error."""
+    line, _, text = line.partition(" <<< ")
     words = shlex.split(line)
     variables = dict(word.split("=", 1) for word in itertools.takewhile(lambda word: re.match(r"[A-Z_]+=", word), words))
     words = words[len(variables) :]
-    source = os.devnull
+    source = text.encode().decode("unicode_escape").encode("latin-1")
     if len(words) > 1 and words[-2] == "<":
-        source = scratch / words[-1]
+        source = (scratch / words[-1]).read_bytes()
         words = words[:-2]
-    with open(source, "rb") as stream:
-        done = subprocess.run([program, *words], cwd=scratch, env={**environment(), **variables}, stdin=stream,
-                              stdout=subprocess.PIPE, stderr=error, timeout=TIME_LIMIT, check=False)
+    done = subprocess.run([program, *words], cwd=scratch, env={**environment(), **variables}, input=source,
+                          stdout=subprocess.PIPE, stderr=error, timeout=TIME_LIMIT, check=False)
     decode = lambda data: (data or b"").decode("utf-8", "backslashreplace")
     return done.returncode, decode(done.stdout), decode(done.stderr)
 
