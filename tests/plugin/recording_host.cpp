@@ -27,7 +27,7 @@ DTF_PRINTF_LIKE(1, 0) std::string printed_list(const char *format, va_list argum
 {
     char *text = nullptr;
     const int length = vasprintf(&text, format, arguments);
-    const std::string copy(text, static_cast<std::size_t>(length));
+    std::string copy(text, static_cast<std::size_t>(length));
     std::free(text);
     return copy;
 }

@@ -1,6 +1,6 @@
 /* Names, numbers, records, inventory, path search and texts: against the reference over products of odd parts. */
-#include "../framework/guarded_page.h"
 #include "figure.h"
+#include "framework/guarded_page.h"
 #include "scenarios.h"
 #include <clocale>
 #include <cmath>
@@ -163,8 +163,9 @@ TEST(utility, names)
         const string controller = refused.substr(0, refused.find(' ')), reason = refused.substr(controller.size());
         EXPECT_EQ(check_controller_name_ots_is_good(&h.context, controller.c_str()), 0);
         EXPECT_EQ(h.lines.at(0), "TRC check_controller_name_ots_is_good: controller_name = " + controller);
-        EXPECT_EQ(h.lines.at(1), "ERR check_controller_name_ots_is_good: Invalid controller_name [" + controller + ']' +
-                                     reason + ", discard it!");
+        EXPECT_EQ(h.lines.at(1),
+                  printed("ERR check_controller_name_ots_is_good: Invalid controller_name [%s]%s, discard it!",
+                          controller.c_str(), reason.c_str()));
     }
     string list;
     for (const char *const *controller = controller_chmon_ots_list; *controller != nullptr; ++controller) {
@@ -311,6 +312,10 @@ TEST(utility, records)
     EXPECT_EQ(h.text(), start + start + me + "NULL == parcel_data\n" + start + "header\n" + me +
                             "[parcel (len 8)] \t (inv_basic v3.-1)\nwalk 8\ntoken 0\nrelease null\n" + me +
                             "parcel_generic_destroy\ndestroy\n");
+    h.lines.clear();
+    h.context.trace_on = h.context.debug_filter.levels = 0;
+    EXPECT_EQ(get_value_in_parcel(&h.context, "a", 12, nullptr, 0, output.bytes), 0xffffffffu);
+    EXPECT_EQ(h.text(), "");
 }
 
 /* By hand, so that the reference's search is held too; then with names of each length. */
@@ -351,7 +356,7 @@ TEST(utility, path_search)
         for (const string &cycle : cycles) {
             const string text = text_of(cycle, length);
             host h;
-            h.plant(text + '{' + text + '=' + text + '}', "");
+            h.plant(printed("%s{%s=%s}", text.c_str(), text.c_str(), text.c_str()), "");
             search(h, (text.substr(0, 199) + '/' + text).substr(0, 199));
         }
 }
