@@ -4,9 +4,9 @@
  */
 #include "input.h"
 
+#include "framework/scripted_walk.h"
 #include "ostore/record_reader.h"
 
-#include "mapping.h"
 #include "oc_chmon.h"
 
 #include <memory>
@@ -53,24 +53,6 @@ bytes assemble(fuzz::input &in)
     return record;
 }
 
-struct reading {
-    const void *record;
-    std::uint32_t size;
-    const char *field;
-    parcel_token_type_td wanted;
-} now;
-
-/* As the plug-in reads it, into 200 bytes. */
-faultno find_field(dtf_map_ctx ctx, const dtf_datatree *, dtf_datatree *)
-{
-    const auto output = std::make_unique<char[]>(200);
-    std::memset(output.get(), '#', 200);
-    const faultno rc = get_value_in_parcel(ctx, now.field, now.wanted, now.record, now.size, output.get());
-    if (output[0] != '#' && std::memchr(output.get(), 0, 200) == nullptr)
-        fuzz::report("output without end", now.field);
-    return rc;
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -78,9 +60,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     constexpr const char *fields[] = {"inv_phy_entity_basic_info.Name", "Name", "a.a", "a", "%s%n", "", "a..a", "."};
     fuzz::input in(data, size);
     const unsigned form = in.byte();
-    static record_reader reader;
-    now.field = in.pick(fields);
-    now.wanted = static_cast<parcel_token_type_td>(in.below(20));
+    const char *const field = in.pick(fields);
+    const auto wanted = static_cast<parcel_token_type_td>(in.below(20));
     bytes record;
     if (form % 2 == 0) {
         const std::string_view raw = in.rest();
@@ -90,24 +71,24 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         record.resize(record.size() - std::min(record.size(), std::size_t{form / 16 == 1 ? form % 16 : 0}));
     }
     record.resize(std::min(record.size(), record_reader::longest));
+    static record_reader reader;
     reader.read(record.data(), record.size());
+    /* As the plug-in reads it, into 200 bytes. */
+    if (record.size() >= ostore::parcel_header_size) {
+        scripted::walk walk;
+        const auto output = std::make_unique<char[]>(200);
+        std::memset(output.get(), '#', 200);
+        const void *const placed = reader.place(record.data(), record.size());
+        reader.watched([&] {
+            return walk.run([&](scripted::walk &at) {
+                return get_value_in_parcel(at.ctx, field, wanted, placed, static_cast<std::uint32_t>(record.size()),
+                                           output.get());
+            });
+        });
+        if (output[0] != '#' && std::memchr(output.get(), 0, 200) == nullptr)
+            fuzz::report("output without end", field);
+    }
     if (!reader.faultless())
         fuzz::report("a promise of the library's broken", "loop, code, or tokens and walks not given back");
-    if (record.size() < ostore::parcel_header_size)
-        return 0;
-
-    const ostore::usage_counts before = ostore::usage();
-    now.record = reader.place(record.data(), record.size());
-    now.size = static_cast<std::uint32_t>(record.size());
-    framework::arena memory;
-    framework::mapping walk({}, memory);
-    dtf_datatree out{};
-    const faultno found = walk.run(find_field, {}, out);
-    if (found != 0 && found != FAULT_INVALID_ARGS && ostore::fault_text(found) == nullptr)
-        fuzz::report("a code without a text", std::to_string(found));
-    const ostore::usage_counts after = ostore::usage();
-    if (after.tokens_decoded - before.tokens_decoded != after.tokens_released - before.tokens_released ||
-        after.walks_started - before.walks_started != after.walks_ended - before.walks_ended)
-        fuzz::report("not released", "tokens or walks");
     return 0;
 }

@@ -8,7 +8,6 @@
 #include "plugin/reference.h"
 
 #include <dlfcn.h>
-#include <set>
 
 namespace {
 
@@ -167,15 +166,15 @@ std::string run(fuzz::input in)
             (children(now) == children(then) && children(then) != 0 && now.children != then.children))
             fuzz::report("an input node was changed", h.name(h.nodes[i]));
     }
-    static const std::set<faultno> known = {0,
-                                            FAULT_INVALID_ARGS,
-                                            FAULT_TREE_ERROR,
-                                            FAULT_UNSUPPORTED_TAG,
-                                            FAULT_LIST_KEY_ERROR,
-                                            FAULT_KEY_DELETE,
-                                            FAULT_SKIP_ENTRY,
-                                            FAULT_UNSUPPORTED_AUGMENT};
-    if (!known.contains(rc) && rc != h.fail_code && rc != h.leafref)
+    constexpr faultno known[] = {0,
+                                 FAULT_INVALID_ARGS,
+                                 FAULT_TREE_ERROR,
+                                 FAULT_UNSUPPORTED_TAG,
+                                 FAULT_LIST_KEY_ERROR,
+                                 FAULT_KEY_DELETE,
+                                 FAULT_SKIP_ENTRY,
+                                 FAULT_UNSUPPORTED_AUGMENT};
+    if (std::ranges::find(known, rc) == std::end(known) && rc != h.fail_code && rc != h.leafref)
         fuzz::report("unknown code", recording::printed("%x", rc));
     return recording::printed("%x\n", rc) + h.text();
 }

@@ -11,10 +11,10 @@ namespace {
 TEST(limits, stacks_refuse_what_does_not_fit_and_stay_paired)
 {
     for (const std::size_t depth : {std::size_t{255}, std::size_t{256}, std::size_t{300}}) {
-        walk levels, others;
         std::vector<dtf_datatree> nodes(depth);
         std::size_t updated = 0, added = 0;
-        EXPECT_EQ(levels.run([&](walk &w) {
+        walk levels;
+        const faultno hierarchy = levels.run([&](walk &w) {
             std::string path;
             for (dtf_datatree &node : nodes) {
                 path += "/l";
@@ -24,9 +24,9 @@ TEST(limits, stacks_refuse_what_does_not_fit_and_stay_paired)
             for (std::size_t i = depth; i-- > 0;)
                 dtf_map_remove_from_node_hierarchy(w.ctx, &nodes[i]);
             return FAULT_SUCCESS;
-        }),
-                  depth == 255 ? FAULT_SUCCESS : framework::fault_hierarchy_full);
-        EXPECT_EQ(others.run([&](walk &w) {
+        });
+        walk others;
+        const faultno stacks = others.run([&](walk &w) {
             for (dtf_datatree &node : nodes) {
                 const std::uint8_t before = w.ctx->req_ctx->output_list_len;
                 dtf_add_to_output_list_ctx(w.ctx, &node, &w.out);
@@ -39,32 +39,31 @@ TEST(limits, stacks_refuse_what_does_not_fit_and_stay_paired)
                     dtf_remove_from_output_list_ctx(w.ctx, &nodes[i], &w.out);
             }
             return FAULT_SUCCESS;
-        }),
-                  depth == 255 ? FAULT_SUCCESS : framework::fault_stack_full);
+        });
+        EXPECT_EQ(hierarchy, depth == 255 ? FAULT_SUCCESS : framework::fault_hierarchy_full);
+        EXPECT_EQ(stacks, depth == 255 ? FAULT_SUCCESS : framework::fault_stack_full);
         EXPECT_TRUE(updated == 255 && added == 255 && levels.map.balanced() && others.map.balanced()) << depth;
     }
 }
 
 TEST(limits, what_is_not_popped_in_order_counts_as_unbalanced)
 {
-    dtf_datatree a{}, b{};
-    const auto balanced = [](const std::function<void(dtf_map_ctx)> &steps) {
+    static dtf_datatree a{}, b{};
+    constexpr void (*unpaired[])(dtf_map_ctx) = {
+        [](dtf_map_ctx ctx) { dtf_map_add_to_node_hierarchy(ctx, &a, DTF_HIER_CONTAINER); },
+        [](dtf_map_ctx ctx) { dtf_map_remove_from_node_hierarchy(ctx, &a); },
+        [](dtf_map_ctx ctx) { dtf_add_to_output_list_ctx(ctx, &a, nullptr); },
+        [](dtf_map_ctx ctx) { dtf_map_util_itree_stack_push(ctx, &a, 1, nullptr); },
+        [](dtf_map_ctx ctx) {
+            dtf_map_add_to_node_hierarchy(ctx, &a, DTF_HIER_CONTAINER);
+            dtf_map_add_to_node_hierarchy(ctx, &b, DTF_HIER_CONTAINER);
+            dtf_map_remove_from_node_hierarchy(ctx, &a);
+        }};
+    for (const auto steps : unpaired) {
         walk w;
-        w.run([&](walk &walking) {
-            steps(walking.ctx);
-            return FAULT_SUCCESS;
-        });
-        return w.map.balanced();
-    };
-    EXPECT_FALSE(balanced([&](auto ctx) { dtf_map_add_to_node_hierarchy(ctx, &a, DTF_HIER_CONTAINER); }));
-    EXPECT_FALSE(balanced([&](auto ctx) { dtf_map_remove_from_node_hierarchy(ctx, &a); }));
-    EXPECT_FALSE(balanced([&](auto ctx) { dtf_add_to_output_list_ctx(ctx, &a, nullptr); }));
-    EXPECT_FALSE(balanced([&](auto ctx) { dtf_map_util_itree_stack_push(ctx, &a, 1, nullptr); }));
-    EXPECT_FALSE(balanced([&](auto ctx) {
-        dtf_map_add_to_node_hierarchy(ctx, &a, DTF_HIER_CONTAINER);
-        dtf_map_add_to_node_hierarchy(ctx, &b, DTF_HIER_CONTAINER);
-        dtf_map_remove_from_node_hierarchy(ctx, &a);
-    }));
+        w.run([steps](walk &walking) { return steps(walking.ctx), FAULT_SUCCESS; });
+        EXPECT_FALSE(w.map.balanced());
+    }
 }
 
 TEST(reports, the_trace_buffer_keeps_the_last_lines)

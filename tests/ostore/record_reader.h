@@ -24,35 +24,23 @@ class record_reader
     /* Up to `longest` bytes before the memory that faults, until the next ones are put there. */
     const void *place(const void *bytes, std::size_t size) { return std::memcpy(page_.end() - size, bytes, size); }
 
-    /* Reads what stands there, calls visit(token) for each token, and returns the code that ended it. */
-    template <typename function> faultno read(const void *bytes, std::size_t size, function &&visit)
+    /* Does something with what stands there, and returns the code that it ended with. */
+    template <typename function> faultno watched(function &&work)
     {
         const ostore::usage_counts before = ostore::usage();
-        const void *const record = place(bytes, size);
-        parcel_header_td header{};
-        parcel_walk_td walk{};
-        parcel_token_td token{};
-        faultno rc = parcel_generic_init(record, static_cast<std::uint32_t>(size), &walk);
-        /* Whoever hands a block to parcel_header_info() has seen to it that a header fits. */
-        odd_codes += size >= ostore::parcel_header_size && parcel_header_info(record, &header) != rc;
-        const bool started = rc == 0;
-        std::size_t steps = 0;
-        for (bool last = !started; !last && (rc = parcel_generic_token(&walk, &token)) == 0;) {
-            visit(token);
-            const char *const text = token.type == PARCEL_TOKEN_TEXT ? token.value.text : nullptr;
-            too_long += text != nullptr && std::strlen(text) >= size;
-            last = token.type == PARCEL_TOKEN_END || ++steps > size;
-            parcel_generic_free_token_allocations(&token);
-        }
-        if (started)
-            parcel_generic_destroy(&walk);
+        const faultno rc = work();
         const ostore::usage_counts after = ostore::usage();
-        ++variants;
-        loops += steps > size;
-        odd_codes += rc != 0 && ostore::fault_text(rc) == nullptr;
+        odd_codes += rc != 0 && rc != FAULT_INVALID_ARGS && ostore::fault_text(rc) == nullptr;
         unreleased += after.tokens_decoded - before.tokens_decoded != after.tokens_released - before.tokens_released ||
                       after.walks_started - before.walks_started != after.walks_ended - before.walks_ended;
         return rc;
+    }
+
+    /* Reads a record to its end, and calls visit(token) for each token. */
+    template <typename function> faultno read(const void *bytes, std::size_t size, function &&visit)
+    {
+        ++variants;
+        return watched([&] { return read_tokens(place(bytes, size), size, visit); });
     }
     faultno read(const void *bytes, std::size_t size)
     {
@@ -60,6 +48,29 @@ class record_reader
     }
 
   private:
+    template <typename function> faultno read_tokens(const void *record, std::size_t size, function &&visit)
+    {
+        parcel_header_td header{};
+        parcel_walk_td walk{};
+        parcel_token_td token{};
+        faultno rc = parcel_generic_init(record, static_cast<std::uint32_t>(size), &walk);
+        /* Whoever hands a block to parcel_header_info() has seen to it that a header fits. */
+        odd_codes += size >= ostore::parcel_header_size && parcel_header_info(record, &header) != rc;
+        if (rc != 0)
+            return rc;
+        std::size_t steps = 0;
+        for (bool last = false; !last && (rc = parcel_generic_token(&walk, &token)) == 0;) {
+            visit(token);
+            const char *const text = token.type == PARCEL_TOKEN_TEXT ? token.value.text : nullptr;
+            too_long += text != nullptr && std::strlen(text) >= size;
+            last = token.type == PARCEL_TOKEN_END || ++steps > size;
+            parcel_generic_free_token_allocations(&token);
+        }
+        parcel_generic_destroy(&walk);
+        loops += steps > size;
+        return rc;
+    }
+
     guarded_page page_;
 };
 

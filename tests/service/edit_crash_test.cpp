@@ -38,7 +38,7 @@ bool fails()
     return true;
 }
 
-template <typename function> function real(const char *name)
+template <typename function> function real(const char *name, function)
 {
     return reinterpret_cast<function>(::dlsym(RTLD_NEXT, name));
 }
@@ -57,34 +57,25 @@ extern "C" {
 
 ssize_t pwrite(int file, const void *bytes, std::size_t size, off_t at)
 {
-    static const auto real = failing::real<ssize_t (*)(int, const void *, std::size_t, off_t)>("pwrite");
-    return failing::write_some(size, [&](std::size_t part) { return real(file, bytes, part, at); });
+    return failing::write_some(
+        size, [&](std::size_t part) { return failing::real("pwrite", &::pwrite)(file, bytes, part, at); });
 }
 
 /* A half is the first of its blocks here. */
 ssize_t writev(int file, const iovec *blocks, int count)
 {
-    static const auto real = failing::real<ssize_t (*)(int, const iovec *, int)>("writev");
-    const auto whole = static_cast<std::size_t>(count);
-    return failing::write_some(whole, [&](std::size_t part) { return real(file, blocks, static_cast<int>(part)); });
+    return failing::write_some(static_cast<std::size_t>(count), [&](std::size_t part) {
+        return failing::real("writev", &::writev)(file, blocks, static_cast<int>(part));
+    });
 }
 
-int fdatasync(int file)
-{
-    static const auto real = failing::real<int (*)(int)>("fdatasync");
-    return failing::fails() ? -1 : real(file);
-}
+int fdatasync(int file) { return failing::fails() ? -1 : failing::real("fdatasync", &::fdatasync)(file); }
 
-int fsync(int file)
-{
-    static const auto real = failing::real<int (*)(int)>("fsync");
-    return failing::fails() ? -1 : real(file);
-}
+int fsync(int file) { return failing::fails() ? -1 : failing::real("fsync", &::fsync)(file); }
 
 int posix_fallocate(int file, off_t at, off_t size)
 {
-    static const auto real = failing::real<int (*)(int, off_t, off_t)>("posix_fallocate");
-    return failing::fails() ? errno : real(file, at, size);
+    return failing::fails() ? errno : failing::real("posix_fallocate", &::posix_fallocate)(file, at, size);
 }
 }
 

@@ -61,16 +61,12 @@ std::string xml_of(const edit_path &edit)
 /* The datastore as the set of paths that are there; a path's subtree begins with it and "/". */
 using datastore = std::set<std::string>;
 
-bool has(const datastore &data, const std::string &path)
+std::size_t erase(datastore &data, const std::string &path)
 {
-    const auto at = data.lower_bound(path);
-    return at != data.end() && (*at == path || at->starts_with(path + "/"));
+    return std::erase_if(data, [&](const std::string &each) { return each == path || each.starts_with(path + "/"); });
 }
 
-void erase(datastore &data, const std::string &path)
-{
-    std::erase_if(data, [&](const std::string &each) { return each == path || each.starts_with(path + "/"); });
-}
+bool has(datastore data, const std::string &path) { return erase(data, path) != 0; }
 
 bool removes(const std::string &operation) { return operation == "delete" || operation == "remove"; }
 
@@ -104,7 +100,8 @@ void apply(const edit_path &edit, std::string operation, datastore &data)
                 throw refusal{"operation-not-supported", path};
             if (n + 1 < edit.size() && !edit[n + 1].operation.empty() && !removes(edit[n + 1].operation))
                 throw refusal{"bad-attribute", edit[n + 1].path};
-            return erase(data, path);
+            erase(data, path);
+            return;
         }
         if (operation == "replace")
             erase(data, path);
