@@ -18,8 +18,8 @@ template <typename counts> counts &shared_with_children()
 }
 
 /* Calls f(i) for each i below `count`, in `children` processes one after the other. The number of those that did not
- * end by themselves: by a signal (a byte beyond a guarded page; a loop without end, after two minutes), by a
- * sanitizer's finding, or otherwise. What fails in a child fails the test. */
+ * end by themselves: by a signal (a byte beyond a guarded page; a loop without end, after two minutes and a second for
+ * each i), by a sanitizer's finding, or otherwise. What fails in a child fails the test. */
 template <typename function> std::size_t count_crashes(std::size_t count, std::size_t children, function f)
 {
     constexpr int failed = 77;
@@ -30,7 +30,7 @@ template <typename function> std::size_t count_crashes(std::size_t count, std::s
         if (process == 0)
             [&]() noexcept {
                 prctl(PR_SET_PDEATHSIG, SIGKILL);
-                alarm(120);
+                alarm(static_cast<unsigned>(120 + count / children));
                 for (std::size_t i = count * child / children; i < count * (child + 1) / children; ++i)
                     f(i);
                 std::exit(testing::Test::HasFailure() ? failed : 0);

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <random>
 
 using namespace recording;
@@ -58,9 +57,7 @@ TEST(utility, bounds)
             all.equal(converted(convert_amplifier_key_to_ingress_port, text), ingress_port(given), given);
             host store;
             (void)ostore_get_amp_name_from_inventory(&store.context, text, output.bytes);
-            const auto slash = given.find('/');
-            const string entity = slash == string::npos ? given : string(given).replace(slash, 1, "%2f"),
-                         item = (entity + "/attrib/inv_basic_parcel").substr(0, 255);
+            const string item = (replace_str(text, "/", "%2f") + string("/attrib/inv_basic_parcel")).substr(0, 255);
             all.equal(has(store.text(), ("get \"" + item + "\" 7 0\n").c_str()), true, given);
             (void)get_value_in_parcel(&store.context, text, 12, store.parcel({{18}}), 8, output.bytes);
             for (const uint32_t type : {12u, 13u}) {
@@ -102,9 +99,8 @@ TEST(utility, replace_and_copy)
             for (const string &source : {string(), string("abc"), string("abcdefghij")}) {
                 char *const destination = room.bytes + 8 - size;
                 const string wanted = source.substr(0, count), held = wanted.substr(0, size - 1);
-                EXPECT_EQ(strncpy_s(destination, size, source.c_str(), count) != 0, held != wanted)
-                    << size << ' ' << count << source;
-                EXPECT_EQ(string(destination), held);
+                all.equal(strncpy_s(destination, size, source.c_str(), count) != 0, held != wanted, source);
+                all.equal(string(destination), held, source);
             }
     char byte = '#';
     EXPECT_NE(strncpy_s(nullptr, 5, "a", 1), 0);
@@ -133,9 +129,8 @@ TEST(utility, names)
         h.context.trace_on = h.context.debug_filter.levels = 0;
         const bool good = check_controller_name_ots_is_good(&h.context, given.c_str()) == 1;
         const auto read = scan(given, {"Ots0/", "/0/"});
-        const int slot = read[0], port_id = read[1];
-        accepted_out_of_range += good && (slot < 0 || slot > 3 || port_id < 0 || port_id > 1);
-        all.equal(good, slot >= 0 && slot <= 2 && port_id == slot % 2, given);
+        accepted_out_of_range += good && (read[0] < 0 || read[0] > 3 || read[1] < 0 || read[1] > 1);
+        all.equal(good, read[0] >= 0 && read[0] <= 2 && read[1] == read[0] % 2, given);
     }
     for (const string &given : products({{"0/", "0/ ", "1/", "/", ""},
                                          numbers,

@@ -40,8 +40,7 @@ def declared_in(header):
 
 def symbols(*options):
     """(name with version, kind) for each dynamic symbol that nm lists."""
-    lines = output_of("nm", "-D", *options, LIBRARY).splitlines()
-    return [(fields[-1], fields[-2]) for fields in (line.split() for line in lines)]
+    return [line.split()[:-3:-1] for line in output_of("nm", "-D", *options, LIBRARY).splitlines()]
 
 
 class files(unittest.TestCase):
