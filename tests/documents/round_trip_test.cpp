@@ -19,57 +19,6 @@ using namespace framework;
 
 namespace {
 
-#define OC "xmlns=\"http://openconfig.net/yang/channel-monitor\""
-#define NC "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\""
-
-/* Both encodings of one document. */
-struct pair_of_documents {
-    document_use use;
-    const char *xml;
-    const char *json;
-};
-
-const pair_of_documents pairs[] = {
-    /* prefixes, defaults, and the wrapper with several top containers, one of them foreign */
-    {document_use::data,
-     "<?xml version='1.0' encoding='utf-8'?><!-- c --><nc:data " NC " xmlns:p='urn:vantra:talin:ifmgr-cfg'>"
-     "<p:interface-configurations><p:interface-configuration><p:active>act</p:active><p:mtu> 1514\n</p:mtu>"
-     "<shutdown xmlns='urn:vantra:talin:ifmgr-cfg'/></p:interface-configuration></p:interface-configurations>"
-     "<other xmlns='elsewhere'><x>true</x><y xmlns='third'>-1.50e3</y></other></nc:data>",
-     R"({"Vantra-TALIN-ifmgr-cfg:interface-configurations": {"interface-configuration": [
-        {"active": "act", "mtu": 1514, "shutdown": [null]}]},
-        "elsewhere:other": {"x": true, "third:y": -1.50e3}})"},
-    /* every way to write a text */
-    {document_use::data,
-     "<a xmlns='m'><b>&lt;&amp;&gt;&quot;&apos;&#x41;&#955;\xf0\x9f\x98\x80</b><c>one <!-- x --><![CDATA[<two>&amp;]]>"
-     "</c><d>l1\r\nl2\rl3</d><e>&#32;kept&#9;</e><f>\n  \xc3\xa9  \n</f></a>",
-     R"({"m:a": {"b": "<&>\"'A\u03bb\ud83d\ude00", "c": "one <two>&amp;", "d": "l1\nl2\nl3", "e": " kept\t",
-        "f": "é"}})"},
-    /* a filter: what selects has no value, whatever JSON writes for that; operations mean nothing */
-    {document_use::read,
-     "<filter type='subtree'><channel-monitors " OC "><channel-monitor><name/><config> </config><state " NC
-     " nc:operation='delete'><name></name></state></channel-monitor></channel-monitors></filter>",
-     R"({"openconfig-channel-monitor:channel-monitors": {"channel-monitor": [{"name": null, "config": {}, "state":
-        {"@": {"ietf-netconf:operation": "delete"}, "name": ""}}]}})"},
-    /* operations: explicit ones, what is inherited (create, delete, remove; not to keys) and what is not (replace) */
-    {document_use::edit,
-     "<config><channel-monitors " OC " " NC "><channel-monitor nc:operation='create'><name>A</name><config><name>A"
-     "</name><monitor-port nc:operation='merge'>P</monitor-port></config></channel-monitor><channel-monitor "
-     "nc:operation='replace'><name nc:operation='remove'>B</name><config/></channel-monitor><channel-monitor "
-     "nc:operation=' delete '><name>C</name><config/></channel-monitor></channel-monitors></config>",
-     R"({"openconfig-channel-monitor:channel-monitors": {"channel-monitor": [
-        {"@": {"ietf-netconf:operation": "create"}, "name": "A", "config": {"name": "A",
-         "@monitor-port": {"ietf-netconf:operation": "merge"}, "monitor-port": "P"}},
-        {"@openconfig-channel-monitor:name": {"ietf-netconf:operation": "remove"}, "name": "B", "config": {},
-         "@": {"ietf-netconf:operation": "replace"}},
-        {"name": "C", "config": {}, "@": {"ietf-netconf:operation": "delete"}}]}})"},
-    /* runs: of entries without keys, of values, of nothing; annotations of one of a run */
-    {document_use::edit, "<a xmlns='m' " NC "><l><k>1</k></l><l/><v>1</v><v nc:operation='delete'>2</v><n/><n/></a>",
-     R"({"m:a": {"l": [{"k": "1"}, {}], "v": [1, 2], "n": [null, null], "e": [],
-        "@v": [null, {"ietf-netconf:operation": "delete"}]}})"},
-    {document_use::read, "<filter xmlns='urn:ietf:params:xml:ns:netconf:base:1.0' type='subtree'/>", "{}"},
-};
-
 /* All that a reader sets, a line per node; also checks that flags, counts and pointers agree. */
 void append_tree(std::string &text, const dtf_datatree &node, std::size_t level)
 {
@@ -123,18 +72,31 @@ void expect_round_trips(const dtf_datatree &root, document_use use, const std::s
     }
 }
 
+/* Files of one name, whose first word says what they are read for. */
 TEST(documents, both_encodings_are_one_tree)
 {
-    for (const pair_of_documents &pair : pairs) {
-        const std::string tree = parsed(pair.xml, pair.use);
-        EXPECT_EQ(tree, parsed(pair.json, pair.use)) << pair.xml;
+    int pairs = 0;
+    for (const auto &file : std::filesystem::directory_iterator(CHMON_SOURCE "/tests/documents/pairs")) {
+        std::filesystem::path path = file.path();
+        if (path.extension() != ".xml")
+            continue;
+        const std::string name = path.filename();
+        const document_use use = name.starts_with("data")   ? document_use::data
+                                 : name.starts_with("edit") ? document_use::edit
+                                                            : document_use::read;
+        const document_text xml = read_document_text(path, 1 << 20);
+        const document_text json = read_document_text(path.replace_extension(".json"), 1 << 20);
+        const std::string tree = parsed(xml.view(), use);
+        EXPECT_EQ(tree, parsed(json.view(), use)) << name;
         EXPECT_EQ(tree.find("error"), std::string::npos) << tree;
-        EXPECT_EQ(tree, parsed("\xef\xbb\xbf\n" + std::string(pair.json), pair.use));
+        EXPECT_EQ(tree, parsed("\xef\xbb\xbf\n" + std::string(json.view()), use));
         arena memory;
         document_options options;
-        options.use = pair.use;
-        expect_round_trips(parse_document(make_document_text(pair.json, "doc"), memory, options), pair.use, pair.xml);
+        options.use = use;
+        expect_round_trips(parse_document(json, memory, options), use, name);
+        ++pairs;
     }
+    EXPECT_GE(pairs, 6);
 }
 
 /* Random nodes with texts and names that need care. Runs of one name stand together, as JSON has them. */
