@@ -8,49 +8,30 @@
 #include "ostore/record_reader.h"
 
 #include "oc_chmon.h"
+#include "ostore/parcel_writer.h"
 
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace {
 
-using bytes = std::vector<char>;
-
-void put(bytes &to, std::uint32_t number)
+/* Tokens of the input's choice, whose lengths are those of their names and values. */
+std::vector<std::byte> assemble(fuzz::input &in)
 {
-    for (int i = 0; i < 4; ++i)
-        to.push_back(static_cast<char>(number >> 8 * i));
-}
-
-/* Tokens of the input's choice; sizes fit their types unless the input says otherwise. */
-bytes assemble(fuzz::input &in)
-{
-    constexpr std::uint32_t wrong_sizes[] = {0, 1, 2, 5, 0x7fffffff, 0x80000000, 0xffffffff};
     const std::string_view names[] = {"inv_phy_entity_basic_info", "Name", "a", "%s%n", ""};
-    bytes record(ostore::parcel_magic.begin(), ostore::parcel_magic.end());
-    for (const std::uint32_t number : {ostore::parcel_format_version, 3U, 1U})
-        put(record, number);
-    record.resize(ostore::parcel_header_size);
-    record[ostore::parcel_schema_offset] = 's';
+    ostore::parcel_writer record("s", 3, 1);
     while (!in.empty()) {
         const auto type = static_cast<parcel_token_type_td>(in.below(20));
-        const unsigned odd = in.byte();
-        const std::string name(in.pick(names));
+        const std::string_view name = in.pick(names);
         const int fixed = ostore::parcel_value_size(type);
         std::string value(in.take(fixed >= 0 ? static_cast<std::size_t>(fixed) : in.below(210)));
         value.resize(fixed >= 0 ? static_cast<std::size_t>(fixed) : value.size());
         if (fixed == ostore::parcel_text_value)
-            value = value.substr(0, value.find('\0')) + std::string(odd % 32 == 1 ? 0 : 1, '\0');
-        const std::size_t name_size = name.empty() ? 0 : name.size() + 1;
-        put(record, type);
-        put(record, odd % 32 == 2 ? in.pick(wrong_sizes) : static_cast<std::uint32_t>(name_size));
-        put(record, odd % 32 == 3 ? in.pick(wrong_sizes) : static_cast<std::uint32_t>(value.size()));
-        record.insert(record.end(), name.c_str(), name.c_str() + name_size);
-        record.insert(record.end(), value.begin(), value.end());
-        if (type == PARCEL_TOKEN_END && odd % 2 == 0)
-            break;
+            value = value.substr(0, value.find('\0')) + '\0';
+        record.raw(type, name, std::as_bytes(std::span(value)));
     }
-    return record;
+    return record.finish();
 }
 
 } // namespace
@@ -62,9 +43,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const unsigned form = in.byte();
     const char *const field = in.pick(fields);
     const auto wanted = static_cast<parcel_token_type_td>(in.below(20));
-    bytes record;
+    std::vector<std::byte> record;
     if (form % 2 == 0) {
-        const std::string_view raw = in.rest();
+        const auto raw = std::as_bytes(std::span(in.rest()));
         record.assign(raw.begin(), raw.end());
     } else {
         record = assemble(in);
