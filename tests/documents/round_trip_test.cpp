@@ -180,7 +180,7 @@ TEST(documents, members_of_one_name_are_put_together)
         for (int i = 0; i < names; ++i) {
             const std::string tag = "t" + std::to_string(i);
             apart += "<" + tag + ">1</" + tag + ">";
-            together += (i == 0 ? "" : ",") + ("\"" + tag) + "\":[\"1\",\"2\"]";
+            together.append(i == 0 ? "\"" : ",\"").append(tag).append("\":[\"1\",\"2\"]");
         }
         std::string document = "<a xmlns='m'>" + apart;
         for (int i = names - 1; i >= 0; --i)

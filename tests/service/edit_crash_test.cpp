@@ -231,7 +231,7 @@ TEST_F(crash, writers_take_turns_and_readers_see_one_state)
 void fill_items(device::folder &device, unsigned state)
 {
     ostore::write_transaction txn(device.database());
-    for (unsigned n = 0; n < 200; n += 1 + state % 2)
+    for (std::size_t n = 0; n < 200; n += 1 + state % 2)
         txn.put(device.database().items(), std::to_string(n), std::string(100 * (n % 20), static_cast<char>(state)));
     txn.put(device.database().items(), "last", std::string(1, static_cast<char>(state)));
     txn.commit();

@@ -48,14 +48,19 @@ std::vector<edit_path> all_edits()
 
 std::string xml_of(const edit_path &edit)
 {
-    std::string below;
-    for (std::size_t n = edit.size(); n-- > 0;) {
-        const std::string &own = edit[n].operation, &tag = edit[n].tag;
-        const std::string attribute = own.empty() ? "" : " nc:operation=\"" + own + "\"";
-        below = n == 0 ? edits::document(below, attribute)
-                       : "<" + tag + attribute + ">" + edit[n].content + below + "</" + tag + ">";
+    std::string top, opening, closing;
+    for (const step &at : edit) {
+        std::string attribute;
+        if (!at.operation.empty())
+            attribute.append(" nc:operation='").append(at.operation).append("'");
+        if (at.tag == "channel-monitors") {
+            top = attribute;
+            continue;
+        }
+        opening.append("<").append(at.tag).append(attribute).append(">").append(at.content);
+        closing = std::string("</").append(at.tag).append(">").append(closing);
     }
-    return below;
+    return edits::document(opening + closing, top);
 }
 
 /* The datastore as the set of paths that are there; a path's subtree begins with it and "/". */
@@ -187,7 +192,7 @@ TEST_F(matrix, operations_on_all_levels)
                 if (!edit[0].operation.empty() && otherwise != "merge")
                     continue; /* the default operation reaches no node */
                 const std::string text = xml_of(edit);
-                SCOPED_TRACE((there ? "configured, " : "absent, ") + otherwise + ", " + text);
+                SCOPED_TRACE(testing::Message() << (there ? "configured, " : "absent, ") << otherwise << ", " << text);
                 datastore data = found;
                 const std::string wanted = judge(edit, otherwise, data);
                 EXPECT_EQ(run(text, service::default_operation_named(otherwise)), wanted);
