@@ -88,8 +88,8 @@ class json_reader
     void read_member(ondemand::field field);
     void read_value(ondemand::value value, const name_entry &name, const char *ns);
     void open_object(ondemand::object object, const char *ns);
-    void read_scalar(ondemand::value value, const name_entry &name, const char *ns);
     void read_string(ondemand::value value, dtf_datatree &leaf);
+    void read_word(ondemand::value value, dtf_datatree &leaf);
     void read_null(dtf_datatree &leaf);
 
     void read_annotation(std::string_view target, ondemand::value value);
@@ -249,7 +249,10 @@ void json_reader::read_value(ondemand::value value, const name_entry &name, cons
         levels_.push_back({false, {}, begin, ns, &name, 0, 0, 0, 0});
         return;
     }
-    read_scalar(value, name, ns);
+    if (first == '"')
+        read_string(value, builder_.add(name.tag, ns));
+    else
+        read_word(value, builder_.add(name.tag, ns));
     advance();
 }
 
@@ -258,14 +261,9 @@ void json_reader::open_object(ondemand::object object, const char *ns)
     levels_.push_back({true, take(object.begin()), {}, ns, nullptr, names_seen_.size(), notes_seen_.size(), 0, 0});
 }
 
-void json_reader::read_scalar(ondemand::value value, const name_entry &name, const char *ns)
+void json_reader::read_word(ondemand::value value, dtf_datatree &leaf)
 {
-    dtf_datatree &leaf = builder_.add(name.tag, ns);
     const std::string_view token = token_of(value);
-    if (token.front() == '"') {
-        read_string(value, leaf);
-        return;
-    }
     if (token == "null")
         read_null(leaf);
     else if (token == "true" || token == "false" || is_json_number(token))

@@ -1,5 +1,6 @@
 #include "path_table.h"
 
+#include "constant_text.h"
 #include "schema_facts.h"
 
 #include <algorithm>
@@ -29,11 +30,16 @@ bool parsed_path::is_below(const parsed_path &ancestor) const
 
 const parsed_path *path_table::look_up(const char *path)
 {
+    const auto met = by_address_.find(path);
+    if (met != by_address_.end() && met->second != nullptr) {
+        literals_[slot_of(path)] = {path, met->second};
+        return met->second;
+    }
     const std::string_view text(path);
     const auto known = by_text_.find(text);
     const parsed_path *const found = known != by_text_.end() ? known->second.get() : parse(text);
-    if (found != nullptr)
-        by_address_[slot_of(path)] = found;
+    if (met == by_address_.end())
+        by_address_.emplace(path, is_constant_text(path) ? found : nullptr);
     return found;
 }
 

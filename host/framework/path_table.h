@@ -1,6 +1,6 @@
 /*
  * Schema paths, parsed once per walk. A plug-in names the same few dozen paths, literals of its own, for every leaf it
- * adds; the table knows a path by its address and proves it by its content.
+ * adds: the table knows them by their addresses. A path that may change, in a buffer, is looked up by its text.
  */
 #ifndef FRAMEWORK_PATH_TABLE_H
 #define FRAMEWORK_PATH_TABLE_H
@@ -11,7 +11,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -75,12 +74,12 @@ class path_table
 
     /*
      * The parsed form of `path`, which stays for the life of the table; null for a path that names nothing (empty, an
-     * empty segment) or is deeper than `max_segments`. Costs a comparison of texts when the address is known.
+     * empty segment) or is deeper than `max_segments`.
      */
     const parsed_path *find(const char *path)
     {
-        const parsed_path *const known = by_address_[slot_of(path)];
-        return known != nullptr && std::strcmp(known->text.c_str(), path) == 0 ? known : look_up(path);
+        const literal &known = literals_[slot_of(path)];
+        return known.address == path ? known.path : look_up(path);
     }
 
     /* Makes the last segment of `path` a list in all parsed paths; for lists that the schema facts do not know. */
@@ -92,6 +91,11 @@ class path_table
     struct interned_tag {
         const char *text;
         std::uint32_t usual_children;
+    };
+
+    struct literal {
+        const char *address = nullptr;
+        const parsed_path *path = nullptr;
     };
 
     const parsed_path *look_up(const char *path);
@@ -110,7 +114,9 @@ class path_table
     static constexpr std::size_t slots = 128;
 
     arena *memory_;
-    std::array<const parsed_path *, slots> by_address_{};
+    std::array<literal, slots> literals_{};
+    /* All addresses met, with null for those of buffers. */
+    std::unordered_map<const char *, const parsed_path *> by_address_;
     std::unordered_map<std::string_view, std::unique_ptr<parsed_path>> by_text_;
     std::unordered_map<std::string, std::unique_ptr<list_schema>> lists_;
     std::unordered_map<std::string_view, interned_tag> tags_;

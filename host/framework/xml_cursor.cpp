@@ -38,7 +38,13 @@ std::string_view xml_cursor::take_name()
         ++at_;
     if (at_ == start)
         fail_here("a name is missing");
-    return {start, static_cast<std::size_t>(at_ - start)};
+    const std::string_view name(start, static_cast<std::size_t>(at_ - start));
+    const std::size_t other = name.find_first_of("#$%()*+,;@[\\]^`{|}~\x7f");
+    if (other != std::string_view::npos ||
+        std::string_view("-.0123456789").find(name.front()) != std::string_view::npos)
+        fail(other == std::string_view::npos ? start : start + other,
+             "malformed XML: a character that names do not have there");
+    return name;
 }
 
 bool xml_cursor::take_attributes_slowly(std::vector<xml_attribute> &attributes)
