@@ -89,9 +89,11 @@ using special_characters = std::array<bool, 256>;
 /* Copies up to `most` characters, and no special one; `text` moves behind them. Returns the end of the copy. */
 inline char *copy_plain(char *to, const char *&text, const special_characters &special, std::size_t most)
 {
-    for (; most != 0 && !special[static_cast<unsigned char>(*text)]; --most)
-        *to++ = *text++;
-    return to;
+    std::size_t size = 0;
+    for (; size != most && !special[static_cast<unsigned char>(text[size])]; ++size)
+        to[size] = text[size];
+    text += size;
+    return to + size;
 }
 
 /* U+FFFD in UTF-8, which stands for what is none. */
