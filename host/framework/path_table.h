@@ -8,7 +8,6 @@
 #include "arena.h"
 #include "dtf.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -114,7 +113,7 @@ class path_table
     static constexpr std::size_t slots = 128;
 
     arena *memory_;
-    std::array<literal, slots> literals_{};
+    std::vector<literal> literals_ = std::vector<literal>(slots); /* not on the stack that a walk needs */
     /* All addresses met, with null for those of buffers. */
     std::unordered_map<const char *, const parsed_path *> by_address_;
     std::unordered_map<std::string_view, std::unique_ptr<parsed_path>> by_text_;

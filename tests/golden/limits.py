@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """The program at its limits: documents of 500 levels and more on a small stack, and files that may not grow.
 
-usage: limits.py --chmon PROGRAM
+usage: limits.py --chmon PROGRAM [--stack BYTES]
 
 Whatever happens, it is status 0 or 1 and at most one line of error, and the device is as it was.
 """
@@ -42,11 +42,12 @@ def deep_json(top, inner, levels):
 def main():
     arguments = argparse.ArgumentParser()
     arguments.add_argument("--chmon", required=True)
+    arguments.add_argument("--stack", type=int, default=256 << 10)
     given = arguments.parse_args()
     program = str(pathlib.Path(given.chmon).resolve())
     faults, ran = [], 0
 
-    def run(line, limit=resource.RLIMIT_STACK, size=256 << 10):
+    def run(line, limit=resource.RLIMIT_STACK, size=given.stack):
         return subprocess.run([program, "--device", "device", *line.split()], capture_output=True, check=False,
                               errors="backslashreplace", preexec_fn=lambda: resource.setrlimit(limit, (size, size)))
 
