@@ -1,5 +1,7 @@
 #include "arena.h"
 
+#include "first_touch.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -9,7 +11,7 @@ namespace {
 
 /* Blocks double from the first size to the last one: a small request stays small, a large one costs few blocks. */
 constexpr std::size_t first_block = std::size_t{16} << 10;
-constexpr std::size_t last_block = std::size_t{8} << 20;
+constexpr std::size_t last_block = std::size_t{2} << 20;
 
 } // namespace
 
@@ -36,6 +38,8 @@ std::byte *arena::open_block(std::size_t size)
     const bool alone = size > standard / 4;
     blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(alone ? size : standard));
     std::byte *const begin = blocks_.back().get();
+    if (standard == last_block && !alone)
+        touch_ahead(begin, standard);
     if (!alone) {
         next_ = begin + size;
         left_ = standard - size;
