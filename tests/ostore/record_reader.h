@@ -22,7 +22,12 @@ class record_reader
     bool faultless() const { return loops + unreleased + too_long + odd_codes == 0; }
 
     /* Up to `longest` bytes before the memory that faults, until the next ones are put there. */
-    const void *place(const void *bytes, std::size_t size) { return std::memcpy(page_.end() - size, bytes, size); }
+    const void *place(const void *bytes, std::size_t size)
+    {
+        const auto from = static_cast<const std::byte *>(bytes);
+        std::copy_n(from, size, reinterpret_cast<std::byte *>(page_.end() - size));
+        return page_.end() - size;
+    }
 
     /* Does something with what stands there, and returns the code that it ended with. */
     template <typename function> faultno watched(function &&work)
