@@ -318,7 +318,7 @@ bool json_writer::write_ready_leaf(open_object &in)
 const schema_node *json_writer::begin_member(const dtf_datatree &node, open_object &in)
 {
     const bool is_first = std::exchange(in.is_first, false);
-    if (in.facts != nullptr && (node.ns == in.node->ns || node.ns == nullptr)) {
+    if (in.facts != nullptr && node.ns == in.node->ns) {
         const ready_names::entry &name = names_.find(node, *in.node, in.facts, in.level);
         if (name.size != 0) {
             sink_.taken(name.put(sink_.room(), is_first));

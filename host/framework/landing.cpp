@@ -130,8 +130,10 @@ dtf_datatree *landing::add_to_last_entry(const parsed_path &path, const char *ns
     return node;
 }
 
-/* Creates the nodes that a path still names below `above`, with segments before these, of none of which anything has to
- * be remembered. Returns the last. */
+/*
+ * Creates below `above` a node for each segment from `missing` to the path's end; a segment for `above` stands before
+ * them. None is a list entry, so nothing has to be remembered. Returns the last.
+ */
 inline dtf_datatree *landing::create_below(dtf_datatree &above, const path_segment *missing, const path_segment *end,
                                            const char *ns)
 {

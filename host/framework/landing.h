@@ -134,6 +134,7 @@ class landing
     arena *memory_;
     /* The output held nodes before the walk, whose tags are not the path table's. */
     bool foreign_tags_;
+    /* How many children the root had last; for other nodes the path table counts that. */
     std::uint32_t roots_children_ = 0;
     /* How often a child array with nodes in it has moved. */
     std::uint64_t moves_ = 0;

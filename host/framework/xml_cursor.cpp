@@ -128,7 +128,7 @@ void xml_cursor::check_characters(std::string_view text) const
         fail(text.data() + (control - text.begin()), "control character in XML");
 }
 
-/* The current character is not what should stand here: for `what` reason, unless it should stand nowhere. */
+/* The current character should not stand here: `what` says why, unless the document is over or it may stand nowhere. */
 void xml_cursor::fail_here(const std::string &what) const
 {
     if (at_ == end_)

@@ -64,7 +64,7 @@ class xml_cursor
     /* The rest of a CDATA section. */
     std::string_view take_cdata();
 
-    /* A name, not empty; what else names must be is the reader's to check. */
+    /* A name by its characters; what its prefix stands for, and whether it may have one, is the reader's to know. */
     std::string_view take_name();
 
     /* Passes that name if it is what stands here; mostly the reader knows which one it will be. */
