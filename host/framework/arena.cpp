@@ -1,7 +1,5 @@
 #include "arena.h"
 
-#include "first_touch.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -38,8 +36,6 @@ std::byte *arena::open_block(std::size_t size)
     const bool alone = size > standard / 4;
     blocks_.push_back(std::make_unique_for_overwrite<std::byte[]>(alone ? size : standard));
     std::byte *const begin = blocks_.back().get();
-    if (standard == last_block && !alone)
-        touch_ahead(begin, standard);
     if (!alone) {
         next_ = begin + size;
         left_ = standard - size;

@@ -1,6 +1,5 @@
 #include "document.h"
 
-#include "first_touch.h"
 #include "json_reader.h"
 #include "xml_reader.h"
 
@@ -18,7 +17,6 @@ namespace {
 
 constexpr std::string_view byte_order_mark = "\xef\xbb\xbf";
 constexpr std::string_view white_space = " \t\r\n";
-constexpr std::size_t large = std::size_t{1} << 20;
 
 std::string without_controls(std::string text)
 {
@@ -111,8 +109,6 @@ document_text read_document_text(const std::string &path, std::size_t size_limit
     /* One byte more than expected, so that the end of the file is seen without growing the buffer. */
     std::size_t room = expected_size(file.get(), text.name, size_limit) + 1;
     text.bytes = make_buffer(room);
-    if (room >= large)
-        touch_ahead(text.bytes.get(), room);
     while (const std::size_t got = read_some(file.get(), text.bytes.get() + text.size, room - text.size, text.name)) {
         text.size += got;
         if (text.size > size_limit)
