@@ -12,6 +12,7 @@
 #include "device/temporary_inventory.h"
 #include "framework/document.h"
 #include "framework/mapping.h"
+#include "framework/packed_entries.h"
 
 #include "oc_chmon.h"
 
@@ -82,7 +83,7 @@ bool load(inputs &to, const char *file, const char *yang_folder)
 
 faultno map_ours(const inputs &from, framework::arena &memory, dtf_datatree &out)
 {
-    framework::mapping walk({}, memory);
+    framework::mapping walk({.packs_entries = true}, memory);
     return walk.run(walker, from.tree.children[0], out);
 }
 
@@ -126,6 +127,7 @@ bool map_alike(const inputs &from)
         return false;
     peers::map(from.xml, document);
     peers::struct_memory block(struct_room(from));
+    framework::unpack_all(memory, out);
     collect(ours, out);
     collect(pugixml, to_containers(document.first_child()));
     collect(containers, peers::map(from.containers));
@@ -135,13 +137,16 @@ bool map_alike(const inputs &from)
 
 /* ---- what is timed ---- */
 
-void ours(benchmark::State &state, const inputs &from)
+/* As `chmon` maps: the channels are packed. Unpacked: and made a node each, with all below, which few need. */
+template <bool Unpacked> void ours(benchmark::State &state, const inputs &from)
 {
     for ([[maybe_unused]] auto turn : state) {
         framework::arena memory;
         dtf_datatree out = {};
         if (map_ours(from, memory, out) != FAULT_SUCCESS)
             state.SkipWithError("the walk failed");
+        if (Unpacked)
+            framework::unpack_all(memory, out);
         benchmark::DoNotOptimize(out.children);
     }
     state.SetItemsProcessed(state.iterations() * from.slices);
@@ -202,7 +207,8 @@ int main(int argc, char **argv)
             function(state, from);
         })->Unit(benchmark::kMillisecond);
     };
-    add("ours", ours);
+    add("ours", ours<false>);
+    add("ours_unpacked", ours<true>);
     add("structs", plain_structs);
     add("containers", containers);
     add("pugixml", pugixml);

@@ -1,6 +1,7 @@
 #include "json_writer.h"
 
 #include "json_text.h"
+#include "ready_entry.h"
 #include "schema_facts.h"
 
 #include <algorithm>
@@ -80,73 +81,10 @@ std::vector<dtf_datatree> put_together(siblings nodes)
     return together;
 }
 
-/*
- * A member name in its parent's module with the line break before it and what the schema tells of it, ready to be
- * copied. Trees name few different members, and equal names below equal parents are mostly the same texts, so they are
- * known by their addresses.
- */
-class ready_names
-{
-  public:
-    /* Bytes that copying a name writes, however short it is. */
-    static constexpr std::size_t room = 64;
-
-    struct entry {
-        const char *tag = nullptr;
-        const schema_node *facts_above = nullptr;
-        std::size_t level = 0;
-        const schema_node *facts = nullptr;
-        std::size_t size = 0;            /* of the text; 0: it is not kept ready */
-        std::array<char, room + 1> text; /* ",\n  "name": ", of which the first member leaves the comma out */
-
-        /* Returns the end of the copy. */
-        char *put(char *to, bool is_first) const
-        {
-            const std::size_t skipped = is_first ? 1 : 0;
-            std::memcpy(to, text.data() + skipped, room);
-            return to + size - skipped;
-        }
-    };
-
-    explicit ready_names(bool pretty) : pretty_(pretty) {}
-
-    /* What is known of `node`, a child of `above` in the same namespace, whose members are at `level`. */
-    const entry &find(const dtf_datatree &node, const dtf_datatree &above, const schema_node *facts_above,
-                      std::size_t level)
-    {
-        const auto address = reinterpret_cast<std::uintptr_t>(node.tag) ^ reinterpret_cast<std::uintptr_t>(facts_above);
-        entry &slot = entries_[((address >> 2) + level) % entries_.size()];
-        if (slot.tag != node.tag || slot.facts_above != facts_above || slot.level != level)
-            make(slot, node, above, facts_above, level);
-        return slot;
-    }
-
-  private:
-    void make(entry &slot, const dtf_datatree &node, const dtf_datatree &above, const schema_node *facts_above,
-              std::size_t level) const
-    {
-        slot = {node.tag, facts_above, level, schema_of(node, above, facts_above), 0, {}};
-        const std::string line = pretty_ ? "\n" + std::string(2 * level, ' ') : "";
-        const std::string text = "," + line + "\"" + node.tag + (pretty_ ? "\": " : "\":");
-        const bool is_plain = std::ranges::none_of(std::string_view(node.tag),
-                                                   [](char c) { return json_special[static_cast<unsigned char>(c)]; });
-        if (text.size() > room || !is_plain)
-            return;
-        slot.size = text.size();
-        std::ranges::copy(text, slot.text.begin());
-    }
-
-    bool pretty_;
-    std::array<entry, 64> entries_;
-};
-
 class json_writer
 {
   public:
-    json_writer(const text_receiver &out, const json_write_options &options)
-        : sink_(out), options_(options), names_(options.pretty)
-    {
-    }
+    json_writer(const text_receiver &out, const json_write_options &options) : sink_(out), options_(options) {}
 
     void write_document(const dtf_datatree &root);
 
@@ -165,13 +103,13 @@ class json_writer
     };
 
     void open(const dtf_datatree &node, siblings members, const schema_node *facts, std::size_t level);
-    void write_members();
+    void write_members(std::size_t outside);
     void close();
     void write_member(open_object &in);
-    bool write_ready_leaf(open_object &in);
     const schema_node *begin_member(const dtf_datatree &node, open_object &in);
     const schema_node *write_name(const dtf_datatree &node, const open_object &in, std::string_view mark);
     void write_element(open_object &in);
+    void write_packed_elements(const dtf_datatree &node);
     void end_array(open_object &in);
     bool write_scalar(const dtf_datatree &node, const schema_node *facts, std::string_view null);
     void write_value(const char *value, const schema_node *facts);
@@ -183,7 +121,8 @@ class json_writer
 
     text_sink sink_;
     const json_write_options &options_;
-    ready_names names_;
+    ready_entries ready_entries_;
+    bool has_bare_leaf_ = false;    /* a leaf was written whose value tells how it is written */
     std::vector<open_object> open_; /* a stack of our own: trees may be deep, and the machine's small */
     std::deque<std::vector<dtf_datatree>> reordered_;
 };
@@ -208,7 +147,7 @@ void json_writer::write_document(const dtf_datatree &root)
 {
     const dtf_datatree above = {};
     open(above, root.tag == nullptr ? children_of(root) : siblings(&root, 1), nullptr, 1);
-    write_members();
+    write_members(0);
     if (options_.pretty)
         sink_.put("\n");
     sink_.flush();
@@ -239,10 +178,10 @@ void json_writer::open(const dtf_datatree &node, siblings members, const schema_
     open_.back().is_first = false;
 }
 
-/* Until nothing is open any more: the members of the innermost object, and the elements of its array. */
-void json_writer::write_members()
+/* Until only the `outside` first objects are open: the members of the innermost one, and the elements of its array. */
+void json_writer::write_members(std::size_t outside)
 {
-    while (!open_.empty()) {
+    while (open_.size() > outside) {
         open_object &in = open_.back();
         if (in.written < in.run.size())
             write_element(in);
@@ -269,8 +208,6 @@ void json_writer::close()
 /* The next member: as a whole where it is a leaf, else its beginning. */
 void json_writer::write_member(open_object &in)
 {
-    if (write_ready_leaf(in))
-        return;
     const siblings run = in.rest.first(run_length(in.rest));
     in.rest = in.rest.subspan(run.size());
     const schema_node *const facts = begin_member(run[0], in);
@@ -286,46 +223,10 @@ void json_writer::write_member(open_object &in)
     }
 }
 
-/*
- * The next member where it is one leaf with a ready name and a plain text, as nearly all are; else false, and nothing
- * is written.
- */
-bool json_writer::write_ready_leaf(open_object &in)
-{
-    const dtf_datatree &node = in.rest[0];
-    if ((node.flags & (DTF_FLAG_HAS_VALUE | DTF_FLAG_HAS_SUBTREE)) != DTF_FLAG_HAS_VALUE || node.value == nullptr ||
-        in.facts == nullptr || node.ns != in.node->ns || options_.notes)
-        return false;
-    if (in.rest.size() > 1 && same_name(in.rest[1], node))
-        return false;
-    const ready_names::entry &name = names_.find(node, *in.node, in.facts, in.level);
-    if (name.size == 0 || (name.facts != nullptr && name.facts->kind != schema_kind::text_leaf))
-        return false;
-    const char *text = node.value;
-    char *to = name.put(sink_.room(), in.is_first);
-    *to++ = '"';
-    to = copy_plain(to, text, json_special, text_sink::most_room - 2 * ready_names::room);
-    if (*text != '\0')
-        return false;
-    *to++ = '"';
-    sink_.taken(to);
-    in.is_first = false;
-    in.rest = in.rest.subspan(1);
-    return true;
-}
-
 /* Line break and name of the next member. Returns what is known of it. */
 const schema_node *json_writer::begin_member(const dtf_datatree &node, open_object &in)
 {
-    const bool is_first = std::exchange(in.is_first, false);
-    if (in.facts != nullptr && node.ns == in.node->ns) {
-        const ready_names::entry &name = names_.find(node, *in.node, in.facts, in.level);
-        if (name.size != 0) {
-            sink_.taken(name.put(sink_.room(), is_first));
-            return name.facts;
-        }
-    }
-    if (!is_first)
+    if (!std::exchange(in.is_first, false))
         sink_.put(",");
     begin_line(in.level);
     return write_name(node, in, "");
@@ -357,6 +258,11 @@ const schema_node *json_writer::write_name(const dtf_datatree &node, const open_
 void json_writer::write_element(open_object &in)
 {
     const dtf_datatree &node = in.run[in.written];
+    if (is_packed(node)) {
+        ++in.written;
+        write_packed_elements(node);
+        return;
+    }
     const bool on_lines = is_object(in.run[0], in.run_facts);
     if (in.written++ != 0) {
         if (options_.pretty && !on_lines)
@@ -368,6 +274,31 @@ void json_writer::write_element(open_object &in)
         begin_line(in.level + 1);
     if (!write_scalar(node, in.run_facts, "null"))
         open(node, children_of(node), in.run_facts, in.level + 2);
+}
+
+/* They are objects, and never the first of an array. */
+void json_writer::write_packed_elements(const dtf_datatree &node)
+{
+    const std::size_t outside = open_.size();
+    const schema_node *const facts = open_.back().run_facts;
+    const std::size_t level = open_.back().level;
+    const auto write_whole = [&](const dtf_datatree &entry) {
+        sink_.put(",");
+        begin_line(level + 1);
+        open(entry, children_of(entry), facts, level + 2);
+        write_members(outside);
+    };
+    const auto make_ready = [&](entry_shape &shape) -> const ready_entry & {
+        ready_entry &ready = ready_entries_[{&shape, facts, level}];
+        if (ready.is_empty() && !options_.notes) {
+            has_bare_leaf_ = false;
+            ready_entry made(sink_, shape, [&] { write_whole(shape.entry); });
+            if (!has_bare_leaf_)
+                ready = std::move(made);
+        }
+        return ready;
+    };
+    write_packed(sink_, json_special, node, make_ready, write_whole);
 }
 
 void json_writer::end_array(open_object &in)
@@ -400,6 +331,7 @@ void json_writer::write_value(const char *value, const schema_node *facts)
     if (value == nullptr)
         value = "";
     if (facts != nullptr && facts->kind == schema_kind::bare_leaf) {
+        has_bare_leaf_ = true;
         const std::string_view text = value;
         if (is_json_number(text) || text == "true" || text == "false") {
             sink_.put(text);

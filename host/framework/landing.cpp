@@ -70,22 +70,16 @@ void give_entry_operation(dtf_datatree &entry, std::uint32_t operation)
 
 } // namespace
 
-landing::landing(dtf_datatree &out, arena &memory)
-    : out_(&out), memory_(&memory), foreign_tags_(out.child_count != 0), frames_(1)
-{
-}
+landing::landing(dtf_datatree &out, arena &memory) : out_(&out), memory_(&memory), frames_(1), packer_(memory) {}
 
 landed landing::add(const parsed_path &path, const addition &what)
 {
+    unpack_open();
     const std::size_t length = path.segments.size();
     const bool names_entry = what.new_list_entry || path.closing_slash;
     const char *const value = what.value == nullptr || names_entry ? nullptr : memory_->copy(what.value);
-    position here;
-    enter_start(here, path, what.new_list_entry ? length - 1 : length);
+    position here = follow(path, what.new_list_entry ? length - 1 : length);
     landed result;
-    while (here.depth < length && path.segments[here.depth].list == nullptr &&
-           enter_existing(here, path.segments[here.depth].tag())) {
-    }
     result.created = here.depth < length;
     if (result.created)
         create_rest(here, path, what);
@@ -100,115 +94,106 @@ landed landing::add(const parsed_path &path, const addition &what)
     if (!result.created || !is_key)
         return result;
     if (what.entry_operation != 0)
-        give_entry_operation(node_at(here, length - 1), what.entry_operation);
+        give_entry_operation(*descend(out_, here.steps.data(), length - 1), what.entry_operation);
     if ((node.flags & DTF_FLAG_HAS_VALUE) != 0)
         result.keyed_entry = take_awaiting(*path.segments[length - 2].list);
     return result;
 }
 
-dtf_datatree *landing::add_to_last_entry(const parsed_path &path, const char *ns, const char *value)
-{
-    std::vector<entry_place> &places = frames_[open_ - 1].places;
-    const path_segment *at = path.segments.data() + path.lists_end;
-    const path_segment *const end = path.segments.data() + path.segments.size();
-    if (places.empty() || !path.is_below_list || places.back().list != at[-1].list)
-        return nullptr;
-    const char *const copy = value == nullptr ? nullptr : memory_->copy(value);
-    dtf_datatree *node = node_of(places.back());
-    for (; at != end; ++at) {
-        dtf_datatree *const child = existing_child(*node, at->tag());
-        if (child == nullptr)
-            break;
-        node = child;
-    }
-    if (at != end)
-        node = create_below(*node, at, end, ns);
-    if (copy != nullptr) {
-        node->value = copy;
-        node->flags |= DTF_FLAG_HAS_VALUE;
-    }
-    return node;
-}
-
 /*
- * Creates below `above` a node for each segment from `missing` to the path's end; a segment for `above` stands before
- * them. None is a list entry, so nothing has to be remembered. Returns the last.
+ * Only behind another entry, since what a list is like shows in its first one; and only inside another list: entries of
+ * outer lists are few, and looked at one by one.
  */
-inline dtf_datatree *landing::create_below(dtf_datatree &above, const path_segment *missing, const path_segment *end,
-                                           const char *ns)
+bool landing::start_packing(const parsed_path &path, const char *ns)
 {
-    dtf_datatree *node = &new_child(above, *missing[-1].usual_children, *missing, ns);
-    try {
-        while (++missing != end)
-            node = &new_child(*node, *missing[-1].usual_children, *missing, ns);
-    } catch (...) {
-        drop_last_child(above);
-        throw;
-    }
-    return node;
-}
-
-/*
- * The entry to start from: the deepest on the path among those of the innermost frame that has any. Entries of frames
- * further out may belong to another entry of a list above. At most the first `limit` segments are passed that way.
- */
-void landing::enter_start(position &here, const parsed_path &path, std::size_t limit)
-{
-    entry_place *deepest = nullptr;
-    /* Mostly it is the entry of the path's last list, which the innermost frame has added last. */
-    std::vector<entry_place> &innermost = frames_[open_ - 1].places;
-    if (!innermost.empty() && path.lists_end != 0 && path.lists_end <= limit &&
-        innermost.back().list == path.segments[path.lists_end - 1].list)
-        deepest = &innermost.back();
-    for (std::size_t i = open_; i-- > 0 && deepest == nullptr;) {
-        for (entry_place &place : frames_[i].places) {
-            const bool on_path = place.depth <= limit && path.segments[place.depth - 1].list == place.list;
-            if (on_path && (deepest == nullptr || place.depth > deepest->depth))
-                deepest = &place;
-        }
-    }
-    here.start = deepest;
-    here.start_depth = deepest == nullptr ? 0 : deepest->depth;
-    here.node = deepest == nullptr ? out_ : node_of(*deepest);
-    here.depth = here.start_depth;
-}
-
-/* A node that was passed on the way, at `depth` >= the start's. */
-dtf_datatree &landing::node_at(const position &here, std::size_t depth) const
-{
-    dtf_datatree *const start = here.start == nullptr ? out_ : here.start->node;
-    return *descend(start, here.steps.data() + here.start_depth, depth - here.start_depth);
-}
-
-/* Makes the steps count from the root: the entry that the way started from may be forgotten then. */
-void landing::complete_steps(position &here)
-{
-    if (here.start != nullptr)
-        std::copy_n(here.start->steps.begin(), here.start_depth, here.steps.begin());
-    here.start = nullptr;
-    here.start_depth = 0;
-}
-
-bool landing::enter_existing(position &here, const char *tag) const
-{
-    dtf_datatree *const child = existing_child(*here.node, tag);
-    if (child == nullptr)
+    unpack_open();
+    const list_schema *const list = path.segments.back().list;
+    if (list == nullptr || list->needs_keys || path.list_count < 2 || path.closing_slash)
         return false;
-    here.steps[here.depth++] = static_cast<std::uint32_t>(child - here.node->children);
-    here.node = child;
+    const std::size_t above = path.segments.size() - 1;
+    const position here = follow(path, above);
+    const std::uint32_t first_step = packer_.first_step(path, ns);
+    if (here.depth != above || first_step == 0)
+        return false;
+    packed_entries *const entries = packed_behind(*here.node, path, ns);
+    if (entries == nullptr)
+        return false;
+    packing_ = {&path, ns, first_step, entries, open_ - 1};
+    packer_.begin(*entries, first_step);
     return true;
 }
 
-inline dtf_datatree *landing::existing_child(const dtf_datatree &parent, const char *tag) const
+/* The packed entries that the children of `parent` end with, made where there is an entry for them to stand behind. */
+packed_entries *landing::packed_behind(dtf_datatree &parent, const parsed_path &path, const char *ns)
 {
-    if ((parent.flags & DTF_FLAG_HAS_SUBTREE) == 0)
+    if ((parent.flags & DTF_FLAG_HAS_SUBTREE) == 0 || parent.child_count == 0)
         return nullptr;
-    dtf_datatree *const end = parent.children + parent.child_count;
-    for (dtf_datatree *child = parent.children; child != end; ++child) {
-        if (child->tag == tag)
-            return child;
+    const dtf_datatree &last = parent.children[parent.child_count - 1];
+    const path_segment *const segment = &path.segments.back();
+    if (last.tag != segment->tag() || last.ns != ns)
+        return nullptr;
+    if (is_packed(last))
+        return &packed_in(last);
+    auto *const entries = new (memory_->allocate(sizeof(packed_entries))) packed_entries{};
+    set_packed(add_segment(parent, *segment, ns), *entries);
+    return entries;
+}
+
+/* The entry that is open in packed form is to be a node, and so are those packed with it, since they come before it. */
+void landing::unpack_open()
+{
+    if (!packer_.is_open())
+        return;
+    const parsed_path &path = *packing_.path;
+    frame &by = frames_[packing_.frame];
+    by.places.reserve(by.places.size() + 1);
+    position here = follow(path, path.segments.size() - 1);
+    dtf_datatree &parent = *here.node;
+    const std::uint32_t before = parent.child_count - 1;
+    packed_entries &packed = packed_in(parent.children[before]);
+    const std::uint32_t count = before + packed.count + 1;
+    if (count > parent.child_room)
+        reserve_children(*memory_, parent, std::max(count, 2 * before));
+    packer_.end();
+    std::span<const dtf_datatree> entries;
+    try {
+        entries = unpack(*memory_, parent.children[before]);
+    } catch (...) {
+        packer_.reopen(packed);
+        throw;
     }
-    return foreign_tags_ ? find_child(parent, tag) : nullptr;
+    std::ranges::copy(entries, parent.children + before);
+    parent.child_count = count;
+    here.steps[here.depth++] = count - 1;
+    remember(by, here, here.depth, *path.segments.back().list, false);
+}
+
+/*
+ * Follows a path as far as its nodes are there, `limit` segments at most. The start is an entry: the deepest on the
+ * path among those of the innermost frame that has any. Entries of frames further out may belong to another entry of a
+ * list above.
+ */
+landing::position landing::follow(const parsed_path &path, std::size_t limit) const
+{
+    const entry_place *start = nullptr;
+    for (std::size_t i = open_; i-- > 0 && start == nullptr;) {
+        for (const entry_place &place : frames_[i].places) {
+            const bool on_path = place.depth <= limit && path.segments[place.depth - 1].list == place.list;
+            if (on_path && (start == nullptr || place.depth > start->depth))
+                start = &place;
+        }
+    }
+    position here{out_, 0, {}};
+    if (start != nullptr)
+        here = {node_of(*start), start->depth, start->steps};
+    for (; here.depth < limit && path.segments[here.depth].list == nullptr; ++here.depth) {
+        dtf_datatree *const child = find_child(*here.node, path.segments[here.depth].tag());
+        if (child == nullptr)
+            break;
+        here.steps[here.depth] = static_cast<std::uint32_t>(child - here.node->children);
+        here.node = child;
+    }
+    return here;
 }
 
 void landing::create_rest(position &here, const parsed_path &path, const addition &what)
@@ -217,69 +202,46 @@ void landing::create_rest(position &here, const parsed_path &path, const additio
     const std::size_t length = path.segments.size();
     const bool makes_entries = first < path.lists_end;
     if (makes_entries) {
-        /* What remembering needs is allocated first: once the nodes are there, nothing fails. That may move the start.
-         */
-        complete_steps(here);
+        /* What remembering needs is allocated first: once the nodes are there, nothing fails. */
         std::vector<entry_place> &places = frames_[open_ - 1].places;
         places.reserve(places.size() + path.list_count);
     }
     try {
         while (here.depth < length) {
             dtf_datatree &parent = *here.node;
-            std::uint32_t &usual_children =
-                here.depth == 0 ? roots_children_ : *path.segments[here.depth - 1].usual_children;
-            here.node = &new_child(parent, usual_children, path.segments[here.depth], what.ns);
+            here.node = &add_segment(parent, path.segments[here.depth], what.ns);
             here.steps[here.depth++] = parent.child_count - 1;
         }
     } catch (...) {
         if (here.depth > first)
-            drop_last_child(node_at(here, first));
+            drop_last_child(*descend(out_, here.steps.data(), first));
         throw;
     }
     if (makes_entries)
         remember_created(here, path, first, what.new_list_entry);
 }
 
-/* A child for the segment of a path. `usual_children` counts those of the segment before it. */
-inline dtf_datatree &landing::new_child(dtf_datatree &parent, std::uint32_t &usual_children,
-                                        const path_segment &segment, const char *ns)
+dtf_datatree &landing::add_segment(dtf_datatree &parent, const path_segment &segment, const char *ns)
 {
-    const bool has_room = (parent.flags & DTF_FLAG_HAS_SUBTREE) != 0 && parent.child_count < parent.child_room;
-    if (!has_room || memory_->poison())
-        make_room(parent, usual_children);
-    dtf_datatree &child = parent.children[parent.child_count++];
-    usual_children = parent.child_count;
+    dtf_datatree &child = add_child(*memory_, parent);
     child = segment.blank;
     child.ns = ns;
     return child;
-}
-
-/*
- * Nodes of one name mostly have as many children as the one before them: so much room is made at once, and an array is
- * neither moved nor larger than it needs to be.
- */
-void landing::make_room(dtf_datatree &parent, std::uint32_t usual_children)
-{
-    const bool is_first = (parent.flags & DTF_FLAG_HAS_SUBTREE) == 0 || parent.child_count == 0;
-    if (is_first)
-        reserve_children(*memory_, parent, usual_children);
-    else
-        ++moves_;
-    grow_children(*memory_, parent);
 }
 
 void landing::remember_created(const position &here, const parsed_path &path, std::size_t first, bool names_new_entry)
 {
     for (std::size_t depth = first; depth < path.lists_end; ++depth) {
         if (const list_schema *const list = path.segments[depth].list)
-            remember(here, depth + 1, *list, names_new_entry && depth + 1 == here.depth);
+            remember(frames_[open_ - 1], here, depth + 1, *list, names_new_entry && depth + 1 == here.depth);
     }
 }
 
-/* Makes the entry at the first `depth` steps the innermost frame's for `list`; what it had of it and below goes. */
-void landing::remember(const position &here, std::size_t depth, const list_schema &list, bool awaits_key)
+/* Makes the entry at the first `depth` steps the frame's for `list`; what it had of it and below goes. */
+void landing::remember(frame &by, const position &here, std::size_t depth, const list_schema &list, bool awaits_key)
 {
-    std::vector<entry_place> &places = frames_[open_ - 1].places;
+    packing_.path = nullptr;
+    std::vector<entry_place> &places = by.places;
     std::erase_if(places, [&list](const entry_place &place) {
         return place.list == &list ||
                (place.list->path.starts_with(list.path) && place.list->path[list.path.size()] == '/');
@@ -289,10 +251,6 @@ void landing::remember(const position &here, std::size_t depth, const list_schem
     std::copy_n(here.steps.begin(), depth, place.steps.begin());
     place.depth = static_cast<std::uint8_t>(depth);
     place.awaits_key = awaits_key;
-    if (depth == here.depth) {
-        place.node = here.node;
-        place.moves = moves_;
-    }
 }
 
 /* The innermost frame's entry of `list` if its key was awaited; it is not any longer. */
@@ -305,13 +263,9 @@ const entry_place *landing::take_awaiting(const list_schema &list)
     return nullptr;
 }
 
-dtf_datatree *landing::node_of(entry_place &place)
+dtf_datatree *landing::node_of(const entry_place &place) const
 {
-    if (place.node == nullptr || place.moves != moves_) {
-        place.node = descend(out_, place.steps.data(), place.depth);
-        place.moves = moves_;
-    }
-    return place.node;
+    return descend(out_, place.steps.data(), place.depth);
 }
 
 bool landing::open_frame(const parsed_path &schema, std::uint8_t hierarchy_len, bool withdraw_keyless)
@@ -338,6 +292,12 @@ void landing::close_frames_below(std::uint8_t hierarchy_len, bool withdraw_keyle
         close_innermost(withdraw_keyless);
 }
 
+void landing::finish(bool withdraw_keyless)
+{
+    close_frames_below(0, withdraw_keyless);
+    packer_.end();
+}
+
 void landing::make_current(const entry_place &place)
 {
     std::vector<entry_place> &places = frames_[open_ - 1].places;
@@ -350,7 +310,12 @@ void landing::make_current(const entry_place &place)
 void landing::close_innermost(bool withdraw_keyless)
 {
     frame &closing = frames_[--open_];
-    for (entry_place &place : closing.places) {
+    if (open_ == packing_.frame)
+        packer_.end();
+    /* The entry that the way to the packed ones starts from is forgotten. */
+    if (open_ < packing_.frame || (open_ == packing_.frame && !closing.places.empty()))
+        packing_.path = nullptr;
+    for (const entry_place &place : closing.places) {
         if (!withdraw_keyless || !place.list->needs_keys || has_all_keys(*node_of(place), *place.list))
             continue;
         withdraw(place);

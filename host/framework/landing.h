@@ -12,6 +12,7 @@
 
 #include "arena.h"
 #include "dtf.h"
+#include "entry_packer.h"
 #include "path_table.h"
 
 #include <array>
@@ -28,9 +29,6 @@ struct entry_place {
     std::uint8_t depth = 0;
     /* Named by the plug-in as a new entry, and no key leaf was added to it since. */
     bool awaits_key = false;
-    /* A short cut to the node, true as long as `moves` is the landing's. */
-    dtf_datatree *node = nullptr;
-    std::uint64_t moves = 0;
 };
 
 /* What an addition gives the last node of its path. */
@@ -68,11 +66,24 @@ class landing
     landed add(const parsed_path &path, const addition &what);
 
     /*
-     * The same for the additions that a walk over device data consists of: a node below the entry that the innermost
-     * frame added last, without a source. Null, and nothing done, where it is another one, also where no such node can
-     * be (is_below_list).
+     * Adds a new list entry in packed form: behind another one of the same list, which is inside another list. False,
+     * and nothing done, elsewhere.
      */
-    dtf_datatree *add_to_last_entry(const parsed_path &path, const char *ns, const char *value);
+    bool add_packed_entry(const parsed_path &path, const char *ns)
+    {
+        if (packing_.path != &path || packing_.ns != ns || packing_.frame != open_ - 1)
+            return start_packing(path, ns);
+        packer_.begin(*packing_.entries, packing_.first_step);
+        return true;
+    }
+
+    /* Adds a node below it. False, and nothing done, where the walk has left it, or the node is not below it. */
+    bool add_packed_value(const parsed_path &path, const char *ns, const char *value)
+    {
+        return packer_.is_open() && path.is_below_list &&
+               path.segments[path.lists_end - 1].list == packing_.path->segments.back().list &&
+               packer_.add(path, ns, value);
+    }
 
     /* Opens the frame of a list entry; frames that the list at `schema` is not below are closed first. False when full.
      */
@@ -80,6 +91,9 @@ class landing
 
     /* Closes the frames that were opened at a deeper hierarchy. */
     void close_frames_below(std::uint8_t hierarchy_len, bool withdraw_keyless);
+
+    /* Ends the walk: closes what is open. */
+    void finish(bool withdraw_keyless);
 
     /* The list whose entry the walk is at; null outside all lists. */
     const parsed_path *current_list() const { return open_ == 1 ? nullptr : frames_[open_ - 1].schema; }
@@ -102,45 +116,44 @@ class landing
         std::vector<entry_place> places;
     };
 
-    /* A node on the way along a path. Made for every addition, so it is not cleared first. */
+    /* A node on the way along a path, and its child indexes from the root. */
     struct position {
-        dtf_datatree *node;
-        std::size_t depth;
-        /* The entry that the way starts from, null for the root; it has the first `start_depth` steps. */
-        const entry_place *start;
-        std::size_t start_depth;
-        std::array<std::uint32_t, path_table::max_segments> steps;
+        dtf_datatree *node = nullptr;
+        std::size_t depth = 0;
+        std::array<std::uint32_t, path_table::max_segments> steps{};
     };
 
-    dtf_datatree *create_below(dtf_datatree &above, const path_segment *missing, const path_segment *end,
-                               const char *ns);
-    dtf_datatree *existing_child(const dtf_datatree &parent, const char *tag) const;
-    dtf_datatree &new_child(dtf_datatree &parent, std::uint32_t &usual_children, const path_segment &segment,
-                            const char *ns);
-    void make_room(dtf_datatree &parent, std::uint32_t usual_children);
-    void enter_start(position &here, const parsed_path &path, std::size_t limit);
-    bool enter_existing(position &here, const char *tag) const;
+    /* Where packed entries are added. */
+    struct packing {
+        const parsed_path *path = nullptr; /* of the entry; null where it is to be found anew */
+        const char *ns = nullptr;
+        std::uint32_t first_step = 0;
+        packed_entries *entries = nullptr;
+        /* The frame that is the innermost then. */
+        std::size_t frame = 0;
+    };
+
+    bool start_packing(const parsed_path &path, const char *ns);
+    packed_entries *packed_behind(dtf_datatree &parent, const parsed_path &path, const char *ns);
+    void unpack_open();
+    dtf_datatree &add_segment(dtf_datatree &parent, const path_segment &segment, const char *ns);
+    position follow(const parsed_path &path, std::size_t limit) const;
     void create_rest(position &here, const parsed_path &path, const addition &what);
-    dtf_datatree &node_at(const position &here, std::size_t depth) const;
-    static void complete_steps(position &here);
     void remember_created(const position &here, const parsed_path &path, std::size_t first, bool names_new_entry);
-    void remember(const position &here, std::size_t depth, const list_schema &list, bool awaits_key);
+    void remember(frame &by, const position &here, std::size_t depth, const list_schema &list, bool awaits_key);
     const entry_place *take_awaiting(const list_schema &list);
     void close_innermost(bool withdraw_keyless);
     void withdraw(const entry_place &place);
-    dtf_datatree *node_of(entry_place &place);
+    dtf_datatree *node_of(const entry_place &place) const;
 
     dtf_datatree *out_;
     arena *memory_;
-    /* The output held nodes before the walk, whose tags are not the path table's. */
-    bool foreign_tags_;
-    /* How many children the root had last; for other nodes the path table counts that. */
-    std::uint32_t roots_children_ = 0;
-    /* How often a child array with nodes in it has moved. */
-    std::uint64_t moves_ = 0;
     /* The first `open_` are open; closed ones are kept for their memory. */
     std::vector<frame> frames_;
     std::size_t open_ = 1;
+    entry_packer packer_;
+    /* Holds while an entry is open in the packer, too. */
+    packing packing_;
 };
 
 } // namespace framework

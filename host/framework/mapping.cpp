@@ -34,6 +34,7 @@ mapping::mapping(mapping_options options, arena &output_memory)
       output_list_(state_),
       instances_(stack_)
 {
+    options_.packs_entries = options_.packs_entries && options_.way == direction::native_to_openconfig;
     request_ = {options_.request_kind, options_.option_bits, options_.scope};
     state_.req = &request_;
     context_.owner = this;
@@ -57,7 +58,7 @@ faultno mapping::run(walker top, const dtf_datatree &in, dtf_datatree &out)
 
 void mapping::finish(faultno walked)
 {
-    landing_->close_frames_below(0, withdraws_keyless());
+    landing_->finish(withdraws_keyless());
     result_ = walked != FAULT_SUCCESS ? walked : own_fault_;
     if (state_.error_tag != nullptr)
         error_tag_ = state_.error_tag;

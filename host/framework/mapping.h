@@ -38,6 +38,9 @@ struct mapping_options {
     std::uint32_t option_bits = 0;
     std::uint32_t scope = 0;
 
+    /* Native to OpenConfig: entries of inner lists are kept packed (packed_entries.h). */
+    bool packs_entries = false;
+
     /* Debug log: what is wanted, and where it goes; null drops it. The stream must outlive the mapping. */
     log_level log = log_level::off;
     std::ostream *log_stream = nullptr;
@@ -110,13 +113,15 @@ class mapping
     void pop_node(const dtf_datatree *node);
     faultno update_current_list(const char *schema_path);
     faultno add_path(dtf_datatree &tree, const char *path, addition &what, dtf_datatree **created);
-    /* The same for the additions that a walk over device data consists of; null where it is another one. */
-    dtf_datatree *add_data(const dtf_datatree &tree, const char *path, const char *ns, const char *value)
+    /* Adds a new list entry, or a node below one, in packed form. False, and nothing done, where that cannot be. */
+    bool add_packed(const dtf_datatree &tree, const char *path, const char *ns, const char *value, bool is_entry)
     {
-        if (options_.way != direction::native_to_openconfig || &tree != &landing_->out())
-            return nullptr;
+        if (!options_.packs_entries || &tree != &landing_->out())
+            return false;
         const parsed_path *const parsed = paths_.find(path);
-        return parsed == nullptr ? nullptr : landing_->add_to_last_entry(*parsed, ns, value);
+        if (parsed == nullptr)
+            return false;
+        return is_entry ? landing_->add_packed_entry(*parsed, ns) : landing_->add_packed_value(*parsed, ns, value);
     }
     void push_itree(const dtf_itree_entry &entry);
     void note_error_path();

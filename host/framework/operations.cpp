@@ -83,13 +83,8 @@ faultno dtf_map_datatree_add_path_flagged(dtf_map_ctx ctx, struct dtf_datatree *
         return FAULT_INVALID_ARGS;
     return guarded([=] {
         mapping &walk = mapping::of(ctx);
-        if (source == nullptr && new_list_entry == 0) {
-            if (dtf_datatree *const added = walk.add_data(*tree, path, ns, value)) {
-                if (created != nullptr)
-                    *created = added;
-                return FAULT_SUCCESS;
-            }
-        }
+        if (source == nullptr && created == nullptr && walk.add_packed(*tree, path, ns, value, new_list_entry != 0))
+            return FAULT_SUCCESS;
         framework::addition what;
         what.ns = ns;
         what.value = value;

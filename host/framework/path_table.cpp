@@ -68,10 +68,9 @@ const parsed_path *path_table::parse(std::string_view text)
         const std::string_view tag = rest.substr(0, end);
         if (tag.empty() || path->segments.size() == max_segments)
             return nullptr;
-        interned_tag &interned = intern(tag);
         dtf_datatree blank = {};
-        blank.tag = interned.text;
-        path->segments.push_back({blank, &interned.usual_children, nullptr});
+        blank.tag = intern(tag);
+        path->segments.push_back({blank, nullptr});
         if (more)
             rest.remove_prefix(end + 1);
     }
@@ -80,12 +79,11 @@ const parsed_path *path_table::parse(std::string_view text)
     return by_text_.emplace(key, std::move(path)).first->second.get();
 }
 
-path_table::interned_tag &path_table::intern(std::string_view tag)
+const char *path_table::intern(std::string_view tag)
 {
     if (const auto known = tags_.find(tag); known != tags_.end())
-        return known->second;
-    const char *const text = memory_->copy(tag);
-    return tags_.emplace(std::string_view(text, tag.size()), interned_tag{text, 0}).first->second;
+        return known->data();
+    return tags_.emplace(memory_->copy(tag), tag.size()).first->data();
 }
 
 /* The list at a schema path, from the facts when it is met first; null when the path is no list. */

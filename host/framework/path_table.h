@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace framework {
@@ -38,8 +39,6 @@ struct path_segment {
      * tree, one address per text: within one tree, equal tags are equal pointers.
      */
     dtf_datatree blank;
-    /* How many children the last node of that tag had, whatever its path. */
-    std::uint32_t *usual_children;
     /* The list whose entry this segment names; null for a container or a leaf. */
     const list_schema *list;
 
@@ -87,11 +86,6 @@ class path_table
     static constexpr std::size_t max_segments = 16;
 
   private:
-    struct interned_tag {
-        const char *text;
-        std::uint32_t usual_children;
-    };
-
     struct literal {
         const char *address = nullptr;
         const parsed_path *path = nullptr;
@@ -99,7 +93,7 @@ class path_table
 
     const parsed_path *look_up(const char *path);
     const parsed_path *parse(std::string_view text);
-    interned_tag &intern(std::string_view tag);
+    const char *intern(std::string_view tag);
     const list_schema *list_at(const std::string &path);
     void bind_lists(parsed_path &path);
 
@@ -118,7 +112,7 @@ class path_table
     std::unordered_map<const char *, const parsed_path *> by_address_;
     std::unordered_map<std::string_view, std::unique_ptr<parsed_path>> by_text_;
     std::unordered_map<std::string, std::unique_ptr<list_schema>> lists_;
-    std::unordered_map<std::string_view, interned_tag> tags_;
+    std::unordered_set<std::string_view> tags_;
 };
 
 } // namespace framework

@@ -1,5 +1,7 @@
 #include "print_tree.h"
 
+#include "packed_entries.h"
+
 #include <string>
 
 namespace framework {
@@ -11,6 +13,11 @@ constexpr std::size_t deepest = 512;
 
 void print_node(debug_log &log, const dtf_datatree &node, std::size_t depth, std::string &line)
 {
+    if (is_packed(node)) {
+        for (packed_cursor cursor(node); cursor.next();)
+            print_node(log, cursor.entry(), depth, line);
+        return;
+    }
     line.assign(2 * depth, ' ').append(node.tag == nullptr ? "(no tag)" : node.tag);
     if (node.value != nullptr)
         line.append(" = ").append(node.value);

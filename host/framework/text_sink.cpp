@@ -24,7 +24,7 @@ void text_sink::put(std::string_view text)
 void text_sink::flush()
 {
     if (at_ != buffer_.get())
-        receiver_({buffer_.get(), static_cast<std::size_t>(at_ - buffer_.get())});
+        (*receiver_)({buffer_.get(), static_cast<std::size_t>(at_ - buffer_.get())});
     at_ = buffer_.get();
 }
 

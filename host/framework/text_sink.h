@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace framework {
 
@@ -29,7 +30,7 @@ class text_sink
     static constexpr std::size_t most_room = 4096;
 
     /* The receiver must outlive the sink. */
-    explicit text_sink(const text_receiver &receiver) : receiver_(receiver) {}
+    explicit text_sink(const text_receiver &receiver) : receiver_(&receiver) {}
 
     /* At least `size` bytes to write to, up to most_room; taken() tells where what was written ends. */
     char *room(std::size_t size = most_room)
@@ -73,12 +74,25 @@ class text_sink
     /* Hands on what is left; the last thing to do. */
     void flush();
 
+    /* What `write` puts, which is not handed on. */
+    template <typename Write> std::string captured(Write write)
+    {
+        flush();
+        std::string text;
+        const text_receiver to_text = append_to(text);
+        const text_receiver *const before = std::exchange(receiver_, &to_text);
+        write();
+        flush();
+        receiver_ = before;
+        return text;
+    }
+
   private:
     static constexpr std::size_t capacity = std::size_t{64} << 10;
 
     char *end() const { return buffer_.get() + capacity; }
 
-    const text_receiver &receiver_;
+    const text_receiver *receiver_;
     std::unique_ptr<char[]> buffer_ = std::make_unique_for_overwrite<char[]>(capacity);
     char *at_ = buffer_.get();
 };

@@ -1,6 +1,7 @@
 #include "xml_writer.h"
 
 #include "edit_operations.h"
+#include "ready_entry.h"
 #include "schema_facts.h"
 
 #include <algorithm>
@@ -27,71 +28,10 @@ constexpr special_characters special = make_special();
 
 bool has_children(const dtf_datatree &node) { return (node.flags & DTF_FLAG_HAS_SUBTREE) != 0 && node.child_count > 0; }
 
-/*
- * The tags of an element without attributes, each with the columns before it, ready to be copied as they are. Trees
- * name few different elements, and equal names are mostly the same text, so they are known by its address.
- */
-class ready_tags
-{
-  public:
-    /* Bytes that copying one tag writes, however short it is. */
-    static constexpr std::size_t room = 64;
-
-    struct entry {
-        const char *tag = nullptr;
-        std::size_t columns = 0;
-        std::size_t start_size = 0; /* of "  <tag>" */
-        std::size_t end_size = 0;   /* of "  </tag>\n" */
-        std::array<char, room> start;
-        std::array<char, 2 * room> end; /* copied from behind the columns too */
-
-        char *put_start(char *to) const { return put(to, start.data(), start_size); }
-        char *put_end(char *to) const { return put(to, end.data(), end_size); }
-        /* Without the columns: behind a text. */
-        char *put_end_behind(char *to) const { return put(to, end.data() + columns, end_size - columns); }
-
-      private:
-        static char *put(char *to, const char *text, std::size_t size)
-        {
-            std::memcpy(to, text, room);
-            return to + size;
-        }
-    };
-
-    explicit ready_tags(bool pretty) : pretty_(pretty) {}
-
-    /* Null for a tag that is too long, or too far down. */
-    const entry *find(const char *tag, std::size_t level)
-    {
-        const std::size_t columns = pretty_ ? 2 * level : 0;
-        entry &slot = entries_[((reinterpret_cast<std::uintptr_t>(tag) >> 2) + level) % entries_.size()];
-        return (slot.tag == tag && slot.columns == columns) || make(slot, tag, columns) ? &slot : nullptr;
-    }
-
-  private:
-    bool make(entry &slot, const char *tag, std::size_t columns) const
-    {
-        const std::string start = std::string(columns, ' ') + "<" + tag + ">";
-        const std::string end = std::string(columns, ' ') + "</" + tag + (pretty_ ? ">\n" : ">");
-        if (end.size() > room)
-            return false;
-        slot = {tag, columns, start.size(), end.size(), {}, {}};
-        std::ranges::copy(start, slot.start.begin());
-        std::ranges::copy(end, slot.end.begin());
-        return true;
-    }
-
-    bool pretty_;
-    std::array<entry, 64> entries_;
-};
-
 class xml_writer
 {
   public:
-    xml_writer(const text_receiver &out, const xml_write_options &options)
-        : sink_(out), options_(options), tags_(options.pretty)
-    {
-    }
+    xml_writer(const text_receiver &out, const xml_write_options &options) : sink_(out), options_(options) {}
 
     void write_document(const dtf_datatree &root);
 
@@ -103,9 +43,9 @@ class xml_writer
     };
 
     void write_wrapped(const dtf_datatree &root);
-    void write_tree(const dtf_datatree &top);
+    void write_tree(const dtf_datatree &top, const char *ns_above);
+    void write_packed_entries(const dtf_datatree &node, const char *ns_above);
     void write_start(const dtf_datatree &node, const char *ns_above);
-    bool write_ready_start(const dtf_datatree &node);
     void write_end(const dtf_datatree &node);
     void write_end_tag(const char *tag);
     void write_attributes(const dtf_datatree &node, const char *ns_above);
@@ -124,7 +64,7 @@ class xml_writer
 
     text_sink sink_;
     const xml_write_options &options_;
-    ready_tags tags_;
+    ready_entries ready_entries_;
     std::vector<open_element> open_; /* a stack of our own: trees may be deep, and the machine's small */
     bool is_first_ = true;
 };
@@ -132,9 +72,9 @@ class xml_writer
 void xml_writer::write_document(const dtf_datatree &root)
 {
     if (root.tag != nullptr)
-        write_tree(root);
+        write_tree(root, nullptr);
     else if (has_children(root) && root.child_count == 1)
-        write_tree(root.children[0]);
+        write_tree(root.children[0], nullptr);
     else
         write_wrapped(root);
     sink_.flush();
@@ -146,16 +86,21 @@ void xml_writer::write_wrapped(const dtf_datatree &root)
     wrapper.tag = "data";
     wrapper.ns = netconf_namespace.data();
     wrapper.flags &= ~DTF_FLAG_OP_SET;
-    write_tree(wrapper);
+    write_tree(wrapper, nullptr);
 }
 
-void xml_writer::write_tree(const dtf_datatree &top)
+void xml_writer::write_tree(const dtf_datatree &top, const char *ns_above)
 {
-    write_start(top, nullptr);
-    while (!open_.empty()) {
+    const std::size_t outside = open_.size();
+    write_start(top, ns_above);
+    while (open_.size() > outside) {
         const dtf_datatree &node = *open_.back().node;
         if (open_.back().next_child < node.child_count) {
-            write_start(node.children[open_.back().next_child++], node.ns);
+            const dtf_datatree &child = node.children[open_.back().next_child++];
+            if (is_packed(child))
+                write_packed_entries(child, node.ns);
+            else
+                write_start(child, node.ns);
             continue;
         }
         open_.pop_back();
@@ -163,11 +108,21 @@ void xml_writer::write_tree(const dtf_datatree &top)
     }
 }
 
+void xml_writer::write_packed_entries(const dtf_datatree &node, const char *ns_above)
+{
+    const auto write_whole = [&](const dtf_datatree &entry) { write_tree(entry, ns_above); };
+    const auto make_ready = [&](entry_shape &shape) -> const ready_entry & {
+        ready_entry &ready = ready_entries_[{&shape, ns_above, open_.size()}];
+        if (ready.is_empty() && !options_.notes)
+            ready = ready_entry(sink_, shape, [&] { write_whole(shape.entry); });
+        return ready;
+    };
+    write_packed(sink_, special, node, make_ready, write_whole);
+}
+
 /* Writes a leaf as a whole; of an element with children the start, and then it is open. */
 void xml_writer::write_start(const dtf_datatree &node, const char *ns_above)
 {
-    if (node.ns == ns_above && !options_.notes && write_ready_start(node))
-        return;
     begin_line(open_.size());
     sink_.put("<");
     sink_.put(std::string_view(node.tag));
@@ -192,35 +147,8 @@ void xml_writer::begin_line(std::size_t level)
         sink_.put_columns(2 * level);
 }
 
-/* The same where its tags are ready and its value is plain, as nearly all are; else false, and nothing is written. */
-bool xml_writer::write_ready_start(const dtf_datatree &node)
-{
-    const ready_tags::entry *const tag = tags_.find(node.tag, open_.size());
-    if (tag == nullptr)
-        return false;
-    char *to = tag->put_start(sink_.room());
-    if (has_children(node)) {
-        sink_.taken(to);
-        end_line();
-        open_.push_back({&node, 0});
-        return true;
-    }
-    const char *text = node.value;
-    if ((node.flags & DTF_FLAG_HAS_VALUE) == 0 || text == nullptr)
-        return false;
-    to = copy_plain(to, text, special, text_sink::most_room - 2 * ready_tags::room);
-    if (*text != '\0')
-        return false;
-    sink_.taken(tag->put_end_behind(to));
-    return true;
-}
-
 void xml_writer::write_end(const dtf_datatree &node)
 {
-    if (const ready_tags::entry *const tag = tags_.find(node.tag, open_.size())) {
-        sink_.taken(tag->put_end(sink_.room()));
-        return;
-    }
     begin_line(open_.size());
     write_end_tag(node.tag);
 }

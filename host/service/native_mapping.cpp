@@ -14,6 +14,7 @@
 #include <array>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace service {
 
@@ -63,8 +64,9 @@ dtf_datatree map_native(const plugin &mapper, const dtf_datatree &native, const 
         for (const dtf_datatree &top : tops) {
             if (!is_top_of(top, model))
                 continue;
-            framework::mapping walk(mapping_options_for(walks, framework::direction::native_to_openconfig, kind),
-                                    memory);
+            auto options = mapping_options_for(walks, framework::direction::native_to_openconfig, kind);
+            options.packs_entries = true;
+            framework::mapping walk(std::move(options), memory);
             dtf_datatree mapped{};
             run_walk(walk, model.walker, top, mapped, walks);
             merge_monitors(memory, reply, mapped);

@@ -20,7 +20,8 @@ namespace service {
  * is a root of the same form. Where both models are there, what they tell of one monitor is one entry, the interface
  * configuration's part first. Throws wrong_model (`name` is the document's) and walk_fault.
  *
- * The result's nodes are in `memory` and use texts of `native` and of the plug-in.
+ * The result's nodes are in `memory` and use texts of `native` and of the plug-in. Channels are packed
+ * (packed_entries.h).
  */
 dtf_datatree map_native(const plugin &mapper, const dtf_datatree &native, const std::string &name,
                         framework::arena &memory, std::uint32_t kind, const walk_options &walks);

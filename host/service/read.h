@@ -36,7 +36,7 @@ struct read_costs {
  * changed. Fetches what the filter needs, and nothing else (fetch.h). Throws walk_fault, and std::runtime_error where
  * the store is damaged.
  *
- * The reply's nodes are in `memory` and may use texts of the store, the plug-in and the filter: all must outlive it,
+ * Channels are packed (packed_entries.h). The reply's nodes are in `memory` and may use texts of the store, the plug-in and the filter: all must outlive it,
  * `state` included.
  */
 dtf_datatree read(const plugin &mapper, const ostore::transaction &state, const dtf_datatree *filter,

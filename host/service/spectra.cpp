@@ -6,6 +6,7 @@
 
 #include "device/inventory.h"
 #include "framework/arena.h"
+#include "framework/packed_entries.h"
 #include "framework/tree.h"
 
 #include "oc_chmon.h"
@@ -63,8 +64,9 @@ chart::monitor monitor_of(const dtf_datatree &entry)
     return made;
 }
 
-std::vector<chart::monitor> monitors_of(const dtf_datatree &reply)
+std::vector<chart::monitor> monitors_of(dtf_datatree reply, framework::arena &memory)
 {
+    framework::unpack_all(memory, reply);
     std::vector<chart::monitor> monitors;
     for (const dtf_datatree &top : children_of(reply))
         for (const dtf_datatree &entry : children_of(top))
@@ -91,7 +93,7 @@ std::vector<chart::monitor> read_spectra(const plugin &mapper, const device::fol
 {
     const ostore::read_transaction state(device.database());
     framework::arena memory;
-    return monitors_of(read(mapper, state, nullptr, kind_get, memory, walks));
+    return monitors_of(read(mapper, state, nullptr, kind_get, memory, walks), memory);
 }
 
 chart::monitor read_spectrum(const plugin &mapper, const device::folder &device, const std::string &name,
@@ -102,7 +104,7 @@ chart::monitor read_spectrum(const plugin &mapper, const device::folder &device,
     const dtf_datatree all_names = filter_for(nullptr, memory);
     std::string known;
     bool found = false;
-    for (const chart::monitor &one : monitors_of(read(mapper, state, &all_names, kind_get, memory, walks))) {
+    for (const chart::monitor &one : monitors_of(read(mapper, state, &all_names, kind_get, memory, walks), memory)) {
         found = found || one.name == name;
         known += (known.empty() ? "" : ", ") + one.name;
     }
@@ -113,7 +115,7 @@ chart::monitor read_spectrum(const plugin &mapper, const device::folder &device,
     if (!found)
         throw unknown_monitor(name + ": no such monitor; the device has " + (known.empty() ? "none" : known));
     const dtf_datatree filter = filter_for(name.c_str(), memory);
-    const auto monitors = monitors_of(read(mapper, state, &filter, kind_get, memory, walks));
+    const auto monitors = monitors_of(read(mapper, state, &filter, kind_get, memory, walks), memory);
     return monitors.empty() ? chart::monitor{name, {}, {}} : monitors.front();
 }
 

@@ -2,6 +2,7 @@
 
 #include "service/tree_access.h"
 
+#include "framework/packed_entries.h"
 #include "framework/schema_facts.h"
 #include "framework/tree.h"
 
@@ -49,7 +50,9 @@ class cutter
     {
         const std::size_t last = stack_.size();
         bool selected = false;
-        for (const dtf_datatree &child : children_of(data)) {
+        dtf_datatree single = data;
+        framework::unpack_children(memory_, single);
+        for (const dtf_datatree &child : children_of(single)) {
             for (std::size_t i = first; i < last; ++i)
                 push_matching(*stack_[i], child);
             if (stack_.size() > last)

@@ -22,13 +22,15 @@ TEST(landing, paths_land_where_the_walk_stands)
         if (!line.starts_with('='))
             continue;
         ++scenarios;
-        for (const bool poison : {false, true}) {
+        for (const int how : {0, 1, 2, 3}) {
             walk w({.way = steps.starts_with("up") ? direction::native_to_openconfig : direction::openconfig_to_native,
                     .request_kind = steps.starts_with("edit") ? 1U : 10U,
+                    .packs_entries = (how & 2) != 0,
                     .request_key = [](std::string_view key) { return "M" + std::string(key); }});
-            w.memory.set_poison(poison);
+            w.memory.set_poison((how & 1) != 0);
             std::istringstream script(steps.substr(steps.find('(')));
             w.play(script);
+            framework::unpack_all(w.memory, w.out);
             const std::string tree = text_of(w.out);
             const std::size_t instances = w.map.instances().size();
             EXPECT_EQ("= " + (tree.empty() ? "nothing" : tree) +
@@ -67,27 +69,34 @@ TEST(landing, a_path_that_names_nothing_changes_nothing_and_one_is_known_by_its_
 }
 
 /* Seconds and bytes of mapping `count` channels below one monitor. */
-std::pair<double, std::size_t> cost_of(std::size_t count)
+std::pair<double, std::size_t> cost_of(std::size_t count, bool packed)
 {
     std::stringstream steps;
     steps << "(P +M ";
     for (std::size_t i = 0; i < count; ++i)
         steps << "(S +C C/lower-frequency=191350000 ) ";
     steps << "M/name=A ) ";
-    walk w;
+    walk w({.packs_entries = packed});
     const auto start = std::chrono::steady_clock::now();
     w.play(steps);
+    const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    const std::size_t bytes = w.memory.used();
+    EXPECT_EQ(w.out.children[0].children[0].children[0].child_count, packed ? 2 : count);
+    framework::unpack_all(w.memory, w.out);
     EXPECT_EQ(w.out.children[0].children[0].children[0].child_count, count);
-    return {std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count(), w.memory.used()};
+    return {seconds, bytes};
 }
 
 TEST(landing, time_and_memory_grow_with_the_entries)
 {
-    const auto [small_time, small_bytes] = cost_of(10'000);
-    const auto [large_time, large_bytes] = cost_of(100'000);
-    /* Ten times the entries; a search among them would cost a hundred times the time. The machine may be busy. */
-    EXPECT_LT(large_time, 40 * small_time);
-    EXPECT_LT(large_bytes, 15 * small_bytes);
+    for (const bool packed : {false, true}) {
+        const auto [small_time, small_bytes] = cost_of(10'000, packed);
+        const auto [large_time, large_bytes] = cost_of(100'000, packed);
+        /* Ten times the entries; a search among them would cost a hundred times the time. The machine may be busy. */
+        EXPECT_LT(large_time, 40 * small_time);
+        EXPECT_LT(large_bytes, 15 * small_bytes);
+        EXPECT_TRUE(!packed || large_bytes < 16U * 100'000) << large_bytes << " for values of nine characters";
+    }
 }
 
 } // namespace

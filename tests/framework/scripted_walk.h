@@ -3,6 +3,7 @@
 #define SCRIPTED_WALK_H
 
 #include "mapping.h"
+#include "packed_entries.h"
 #include "tree.h"
 
 #include <functional>
@@ -81,8 +82,7 @@ struct walk {
 
     faultno add(const std::string &path, const char *value = nullptr, bool new_entry = false)
     {
-        return dtf_map_datatree_add_path_flagged(ctx, &out, path.c_str(), "urn:test", value, nullptr, nullptr,
-                                                 new_entry, 0);
+        return dtf_map_datatree_add_path_flagged(ctx, &out, path.c_str(), ns, value, nullptr, nullptr, new_entry, 0);
     }
 
     /*
@@ -132,6 +132,7 @@ struct walk {
     dtf_datatree out{};
     framework::mapping map;
     dtf_map_ctx ctx = nullptr;
+    const char *ns = "urn:test"; /* of added nodes */
 };
 
 } // namespace scripted

@@ -1,0 +1,154 @@
+/* Whether entries are packed shows in no document: random walks, packed and not. */
+#include "json_writer.h"
+#include "scripted_walk.h"
+#include "xml_writer.h"
+
+#include "oc_chmon.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+using namespace scripted;
+
+namespace {
+
+/* What a walk does follows from the seed alone. It is regular for the most part, as walks over device data are. */
+class stroll
+{
+  public:
+    stroll(walk &of, unsigned seed) : walk_(of), ns_(of.ns), random_(seed), list_(of.ns == ots_ns ? 'S' : 'C') {}
+
+    static constexpr const char *ots_ns = CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER;
+
+    void port()
+    {
+        const std::string outer = list_path(list_ == 'S' ? 'P' : 'M');
+        if (!one_in(5))
+            add(outer, true);
+        if (one_in(3))
+            add(outer + "/name");
+        for (auto count = random_() % (one_in(20) ? 500 : 20); count-- != 0;)
+            inside(list_path('S'), [this] { entry(); });
+        if (!one_in(4))
+            add(outer + "/name");
+    }
+
+    /* At an entry of the input, which is not on the hierarchy in every walk. */
+    template <typename Steps> void inside(const std::string &schema_path, Steps steps)
+    {
+        const dtf_datatree node{};
+        const bool pushes = pushes_;
+        if (pushes)
+            dtf_map_add_to_node_hierarchy(walk_.ctx, &node, DTF_HIER_LIST);
+        EXPECT_EQ(dtf_map_update_current_list_node(walk_.ctx, schema_path.c_str()), FAULT_SUCCESS);
+        steps();
+        if (pushes)
+            dtf_map_remove_from_node_hierarchy(walk_.ctx, &node);
+    }
+
+  private:
+    void entry()
+    {
+        const std::string list = list_path(list_);
+        for (int entries = one_in(15) ? static_cast<int>(random_() % 3) : 1; entries-- != 0;) {
+            add(list, true);
+            for (const char *leaf : {"/lower-frequency", "/rx-power", "/state/power"})
+                if (one_in(20))
+                    (void)walk_.add(list + leaf);
+                else if (!one_in(12))
+                    add(list + leaf);
+            while (one_in(6))
+                odd_addition(list);
+        }
+    }
+
+    void odd_addition(const std::string &list)
+    {
+        switch (random_() % 6) {
+        case 0: /* elsewhere */
+            add(std::string(list_path(list_ == 'S' ? 'P' : 'M')) + "/state/name");
+            break;
+        case 1: /* a list below */
+            add(list + "/part", true);
+            add(list + "/part/a");
+            break;
+        case 2: /* for an entry of the input that is further in */
+            inside(list_path('S') + std::string("/part"), [&] { add(list, one_in(2)); });
+            add(list + "/behind");
+            break;
+        case 3: /* nothing but the node */
+            (void)walk_.add(list + "/state");
+            break;
+        case 4: /* of another module */
+            walk_.ns = one_in(3) ? "urn:other" : ns_;
+            break;
+        default: /* one of many shapes */
+            add(list + "/x" + std::to_string(random_() % 400));
+        }
+    }
+
+    void add(const std::string &path, bool new_entry = false)
+    {
+        static const std::string values[] = {
+            "191350000",           "-12", "a&b<c>\"d\"\\",        " spaced\n", "\xc3\xa9", "\xff\x01", "",
+            std::string(300, 'x'), "1.5", std::string(5000, 'y'), "true"};
+        const std::string &value = values[one_in(5) ? random_() % std::size(values) : 0];
+        EXPECT_EQ(walk_.add(path, new_entry ? nullptr : value.c_str(), new_entry), FAULT_SUCCESS);
+    }
+
+    bool one_in(unsigned turns) { return random_() % turns == 0; }
+
+    walk &walk_;
+    const char *ns_;
+    std::mt19937 random_;
+    char list_;
+    bool pushes_ = one_in(2);
+};
+
+std::string documents_of(const dtf_datatree &tree)
+{
+    std::string text;
+    for (const bool pretty : {true, false}) {
+        framework::write_xml(text, tree, {.pretty = pretty, .notes = {}});
+        framework::write_json(text, tree, {.pretty = pretty, .notes = {}});
+    }
+    return text;
+}
+
+/* Empty where two texts are equal, else what differs first. */
+std::string difference(const std::string &a, const std::string &b)
+{
+    const auto at = static_cast<std::size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
+    const std::size_t from = at < 300 ? 0 : at - 300;
+    return a == b ? "" : a.substr(from, 500) + "\n---- not ----\n" + b.substr(from, 500);
+}
+
+TEST(packed_entries, make_no_difference_to_documents)
+{
+    std::size_t packed = 0;
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        std::string documents[2];
+        for (const bool packs : {false, true}) {
+            walk w({.packs_entries = packs});
+            w.ns = seed % 2 == 0 ? CHMON_NS_OPENCONFIG_CHANNEL_MONITOR : stroll::ots_ns;
+            w.memory.set_poison(seed % 3 == 0);
+            w.run([&](walk &self) {
+                stroll on(self, seed);
+                for (int i = 0; i < 3; ++i)
+                    on.inside(list_path('P'), [&] { on.port(); });
+                return FAULT_SUCCESS;
+            });
+            documents[packs] = documents_of(w.out);
+            const std::string before = text_of(w.out);
+            framework::unpack_all(w.memory, w.out);
+            packed += text_of(w.out) != before;
+            ASSERT_EQ(difference(documents[packs], documents_of(w.out)), "") << seed;
+        }
+        ASSERT_EQ(difference(documents[0], documents[1]), "") << seed;
+    }
+    EXPECT_GT(packed, 150U);
+}
+
+} // namespace
