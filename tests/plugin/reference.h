@@ -28,18 +28,24 @@ inline void report(const char *level, const string &function, const string &text
 inline void trc(const string &function, const string &text) { report("TRC", function, text); }
 inline void err(const string &function, const string &text) { report("ERR", function, text); }
 
-/* What "<literal>%d<literal>%d" reads: the numbers up to the first that is none or does not fit 32 bits. */
+/* What "<literal>%d<literal>%d" reads: the numbers up to the first that is none or does not fit 32 bits. The digits are
+ * compared as such, so that no number is too long for it. */
 inline std::vector<int> scan(const string &text, const std::vector<string> &literals)
 {
     std::vector<int> numbers(literals.size(), -1);
-    const char *at = text.c_str();
-    for (std::size_t i = 0; i < literals.size() && string_view(at).starts_with(literals[i]); ++i) {
-        char *end = nullptr;
-        const long long value = std::strtoll(at += literals[i].size(), &end, 10); // beyond 64 bits: their last number
-        if (end == at || value > INT32_MAX || value < INT32_MIN)
+    string_view rest = text;
+    for (std::size_t i = 0; i < literals.size() && rest.starts_with(literals[i]); ++i) {
+        rest.remove_prefix(literals[i].size());
+        rest.remove_prefix(std::min(rest.find_first_not_of(" \t\n\v\f\r"), rest.size()));
+        const bool negative = rest.starts_with('-');
+        rest.remove_prefix(negative || rest.starts_with('+') ? 1 : 0);
+        const string_view digits = rest.substr(0, rest.find_first_not_of("0123456789"));
+        const string_view counted = digits.substr(std::min(digits.find_first_not_of('0'), digits.size()));
+        const string_view most = negative ? "2147483648" : "2147483647";
+        if (digits.empty() || counted.size() > most.size() || (counted.size() == most.size() && counted > most))
             break;
-        numbers[i] = static_cast<int>(value);
-        at = end;
+        numbers[i] = static_cast<int>(std::strtoll(((negative ? "-0" : "0") + string(counted)).c_str(), nullptr, 10));
+        rest.remove_prefix(digits.size());
     }
     return numbers;
 }

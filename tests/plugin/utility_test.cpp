@@ -110,7 +110,7 @@ TEST(utility, replace_and_copy)
     EXPECT_EQ(byte, '\0');
 }
 
-/* Products of odd components; the reference counts in 64 bits and stops counting where no 32-bit number can be. */
+/* Products of odd components, numbers beyond 64 bits among them. */
 TEST(utility, names)
 {
     const host copies;
@@ -118,7 +118,7 @@ TEST(utility, names)
     std::size_t accepted_out_of_range = 0, roundtrip = 0;
     // clang-format off
     const std::vector<string> numbers = {"", "0", "1", "2", "3", "4", "12", " 2", "\t\n+2", "+-1", "- 1", "-1", "-0", "000000000000000000001", "1x", "0x1",
-        "2147483647", "2147483648", "-2147483648", "-2147483649", "4294967296", "4294967298", "18446744073709551617"};
+        "2147483647", "2147483648", "-2147483648", "-2147483649", "4294967296", "4294967298", "18446744073709551617", "-18446744073709551615", string(17, '0') + "2", "36893488147419103234"};
     // clang-format on
     for (const string &given : products({{"Ots0/", "ots0/", "Ots1/", "Ots0/ ", " Ots0/", "O", "", "%s%n"},
                                          numbers,
