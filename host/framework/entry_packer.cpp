@@ -51,11 +51,13 @@ void add_below(arena &memory, dtf_datatree &entry, const parsed_path &path, cons
 
 void entry_packer::begin(packed_entries &to, std::uint32_t first_step)
 {
-    end();
-    if (to.count == std::numeric_limits<std::uint32_t>::max())
+    /* With the open entry. */
+    if (to.count >= std::numeric_limits<std::uint32_t>::max() - 1)
         throw std::bad_alloc();
+    make_spares();
+    end();
     if (spare_run_ == nullptr)
-        spare_run_ = make_in<packed_run>(*memory_);
+        spare_run_ = std::exchange(next_spare_run_, nullptr);
     entries_ = &to;
     at_ = first_step;
     begin_ = next_;
@@ -87,7 +89,10 @@ void entry_packer::end()
         return;
     packed_entries &to = *std::exchange(entries_, nullptr);
     entry_shape *const shape = steps_[at_].shape;
-    if (to.last == nullptr || to.last != run_ || run_->shape != shape || run_end_ != begin_) {
+    const bool is_taken_back = run_ != nullptr && to.last == run_ && run_->count == 0;
+    if (is_taken_back) {
+        *run_ = {shape, 0, begin_, nullptr};
+    } else if (to.last == nullptr || to.last != run_ || run_->shape != shape || run_end_ != begin_) {
         run_ = std::exchange(spare_run_, nullptr);
         *run_ = {shape, 0, begin_, nullptr};
         (to.last == nullptr ? to.first : to.last->next) = run_;
@@ -104,6 +109,20 @@ void entry_packer::reopen(packed_entries &to)
     --to.count;
     run_end_ = begin_;
     entries_ = &to;
+}
+
+std::uint32_t entry_packer::first_step(const parsed_path &path, const char *ns)
+{
+    make_spares();
+    return find_step(0, path, ns, false);
+}
+
+void entry_packer::make_spares()
+{
+    for (packed_run **spare : {&spare_run_, &next_spare_run_}) {
+        if (*spare == nullptr)
+            *spare = make_in<packed_run>(*memory_);
+    }
 }
 
 std::uint32_t entry_packer::add_step(std::uint32_t before, const parsed_path &path, const char *ns, bool has_value)

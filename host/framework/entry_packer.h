@@ -9,7 +9,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
 namespace framework {
@@ -24,10 +23,13 @@ class entry_packer
     /* Entries and shapes are made in `memory`, where the tree is. */
     explicit entry_packer(arena &memory) : memory_(&memory), steps_(1) {}
 
-    /* The first step of entries of the list that `path` names; 0 where there are too many steps. */
-    std::uint32_t first_step(const parsed_path &path, const char *ns) { return find_step(0, path, ns, false); }
+    /*
+     * The first step of entries of the list that `path` names; 0 where there are too many steps. May throw
+     * std::bad_alloc; the next begin() does not then, while `to` has room.
+     */
+    std::uint32_t first_step(const parsed_path &path, const char *ns);
 
-    /* Begins an entry at the end of `to`; one that is open is ended. Throws std::bad_alloc, and then none is open. */
+    /* Begins an entry at the end of `to`; one that is open is ended. When std::bad_alloc is thrown, nothing is done. */
     void begin(packed_entries &to, std::uint32_t first_step);
 
     /*
@@ -67,8 +69,9 @@ class entry_packer
     std::uint32_t add_step(std::uint32_t before, const parsed_path &path, const char *ns, bool has_value);
     entry_shape *make_shape(std::uint32_t last) const;
     void make_room(std::size_t size);
+    void make_spares();
 
-    /* Each has a shape of its own, whose nodes are as many as those steps. */
+    /* Each has a shape of its own, with the nodes of all steps to it. */
     static constexpr std::size_t most_steps = 256;
 
     arena *memory_;
@@ -84,8 +87,9 @@ class entry_packer
     /* The last run, and the end of its values. */
     packed_run *run_ = nullptr;
     const char *run_end_ = nullptr;
-    /* For the case that the open entry begins one: then its end needs no memory. */
+    /* For the case that the open entry begins one: then its end needs no memory. And the one after that. */
     packed_run *spare_run_ = nullptr;
+    packed_run *next_spare_run_ = nullptr;
 };
 
 } // namespace framework

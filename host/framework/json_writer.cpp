@@ -5,7 +5,6 @@
 #include "schema_facts.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
 #include <deque>
@@ -289,14 +288,14 @@ void json_writer::write_packed_elements(const dtf_datatree &node)
         write_members(outside);
     };
     const auto make_ready = [&](entry_shape &shape) -> const ready_entry & {
-        ready_entry &ready = ready_entries_[{&shape, facts, level}];
-        if (ready.is_empty() && !options_.notes) {
-            has_bare_leaf_ = false;
-            ready_entry made(sink_, shape, [&] { write_whole(shape.entry); });
-            if (!has_bare_leaf_)
-                ready = std::move(made);
-        }
-        return ready;
+        const auto [known, is_new] = ready_entries_.try_emplace({&shape, facts, level});
+        if (!is_new || options_.notes)
+            return known->second;
+        has_bare_leaf_ = false;
+        ready_entry ready(sink_, shape, [&] { write_whole(shape.entry); });
+        if (!has_bare_leaf_)
+            known->second = std::move(ready);
+        return known->second;
     };
     write_packed(sink_, json_special, node, make_ready, write_whole);
 }

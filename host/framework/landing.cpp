@@ -3,7 +3,9 @@
 #include "tree.h"
 
 #include <algorithm>
-#include <cstring>
+#include <limits>
+#include <new>
+#include <span>
 #include <utility>
 
 namespace framework {
@@ -111,26 +113,29 @@ bool landing::start_packing(const parsed_path &path, const char *ns)
     if (list == nullptr || list->needs_keys || path.list_count < 2 || path.closing_slash)
         return false;
     const std::size_t above = path.segments.size() - 1;
-    const position here = follow(path, above);
+    const position parent = follow(path, above);
     const std::uint32_t first_step = packer_.first_step(path, ns);
-    if (here.depth != above || first_step == 0)
+    if (parent.depth != above || first_step == 0)
         return false;
-    packed_entries *const entries = packed_behind(*here.node, path, ns);
+    packed_entries *const entries = packed_behind(*parent.node, path, ns);
     if (entries == nullptr)
         return false;
-    packing_ = {&path, ns, first_step, entries, open_ - 1};
+    packing_ = {&path, ns, first_step, parent, entries, open_ - 1};
     packer_.begin(*entries, first_step);
     return true;
 }
 
-/* The packed entries that the children of `parent` end with, made where there is an entry for them to stand behind. */
+/*
+ * The packed entries that the children of `parent` end with, made where there is an entry for them to stand behind. An
+ * entry has no value; one that was given one all the same is none to go by.
+ */
 packed_entries *landing::packed_behind(dtf_datatree &parent, const parsed_path &path, const char *ns)
 {
     if ((parent.flags & DTF_FLAG_HAS_SUBTREE) == 0 || parent.child_count == 0)
         return nullptr;
     const dtf_datatree &last = parent.children[parent.child_count - 1];
     const path_segment *const segment = &path.segments.back();
-    if (last.tag != segment->tag() || last.ns != ns)
+    if (last.tag != segment->tag() || last.ns != ns || (last.flags & DTF_FLAG_HAS_VALUE) != 0)
         return nullptr;
     if (is_packed(last))
         return &packed_in(last);
@@ -144,28 +149,29 @@ void landing::unpack_open()
 {
     if (!packer_.is_open())
         return;
-    const parsed_path &path = *packing_.path;
     frame &by = frames_[packing_.frame];
     by.places.reserve(by.places.size() + 1);
-    position here = follow(path, path.segments.size() - 1);
+    position here = packing_.parent;
     dtf_datatree &parent = *here.node;
-    const std::uint32_t before = parent.child_count - 1;
-    packed_entries &packed = packed_in(parent.children[before]);
-    const std::uint32_t count = before + packed.count + 1;
+    const std::size_t before = parent.child_count - 1;
+    const std::size_t count = before + packing_.entries->count + 1;
+    constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max();
+    if (count > most)
+        throw std::bad_alloc();
     if (count > parent.child_room)
-        reserve_children(*memory_, parent, std::max(count, 2 * before));
+        reserve_children(*memory_, parent, static_cast<std::uint32_t>(std::clamp(2 * before, count, most)));
     packer_.end();
     std::span<const dtf_datatree> entries;
     try {
         entries = unpack(*memory_, parent.children[before]);
     } catch (...) {
-        packer_.reopen(packed);
+        packer_.reopen(*packing_.entries);
         throw;
     }
     std::ranges::copy(entries, parent.children + before);
-    parent.child_count = count;
-    here.steps[here.depth++] = count - 1;
-    remember(by, here, here.depth, *path.segments.back().list, false);
+    parent.child_count = static_cast<std::uint32_t>(count);
+    here.steps[here.depth++] = parent.child_count - 1;
+    remember(by, here, here.depth, *std::exchange(packing_.path, nullptr)->segments.back().list, false);
 }
 
 /*
@@ -198,6 +204,7 @@ landing::position landing::follow(const parsed_path &path, std::size_t limit) co
 
 void landing::create_rest(position &here, const parsed_path &path, const addition &what)
 {
+    packing_.path = nullptr;
     const std::size_t first = here.depth;
     const std::size_t length = path.segments.size();
     const bool makes_entries = first < path.lists_end;
@@ -240,7 +247,6 @@ void landing::remember_created(const position &here, const parsed_path &path, st
 /* Makes the entry at the first `depth` steps the frame's for `list`; what it had of it and below goes. */
 void landing::remember(frame &by, const position &here, std::size_t depth, const list_schema &list, bool awaits_key)
 {
-    packing_.path = nullptr;
     std::vector<entry_place> &places = by.places;
     std::erase_if(places, [&list](const entry_place &place) {
         return place.list == &list ||

@@ -67,7 +67,7 @@ class landing
 
     /*
      * Adds a new list entry in packed form: behind another one of the same list, which is inside another list. False,
-     * and nothing done, elsewhere.
+     * and nothing added, elsewhere.
      */
     bool add_packed_entry(const parsed_path &path, const char *ns)
     {
@@ -123,14 +123,14 @@ class landing
         std::array<std::uint32_t, path_table::max_segments> steps{};
     };
 
-    /* Where packed entries are added. */
+    /* Where packed entries are added. It holds until something else is created, or what leads there is forgotten. */
     struct packing {
-        const parsed_path *path = nullptr; /* of the entry; null where it is to be found anew */
+        const parsed_path *path = nullptr; /* of the entry; null where all this does not hold */
         const char *ns = nullptr;
         std::uint32_t first_step = 0;
-        packed_entries *entries = nullptr;
-        /* The frame that is the innermost then. */
-        std::size_t frame = 0;
+        position parent;
+        packed_entries *entries = nullptr; /* the last child of the parent stands for them */
+        std::size_t frame = 0;             /* the innermost then */
     };
 
     bool start_packing(const parsed_path &path, const char *ns);
@@ -152,7 +152,7 @@ class landing
     std::vector<frame> frames_;
     std::size_t open_ = 1;
     entry_packer packer_;
-    /* Holds while an entry is open in the packer, too. */
+    /* Holds while an entry is open in the packer. */
     packing packing_;
 };
 

@@ -1,6 +1,8 @@
 #include "packed_entries.h"
 
 #include <algorithm>
+#include <limits>
+#include <new>
 
 namespace framework {
 
@@ -38,8 +40,6 @@ void packed_cursor::enter_run()
 {
     if (shape_ != nullptr)
         run_ = run_->next;
-    while (run_->count == 0) /* its only entry was taken back */
-        run_ = run_->next;
     shape_ = run_->shape;
     left_in_run_ = run_->count;
     at_ = run_->values;
@@ -65,6 +65,8 @@ void unpack_children(arena &memory, dtf_datatree &parent)
     std::size_t count = 0;
     for (const dtf_datatree &child : children)
         count += is_packed(child) ? packed_in(child).count : 1;
+    if (count > std::numeric_limits<std::uint32_t>::max())
+        throw std::bad_alloc();
     const std::span<dtf_datatree> unpacked = new_nodes(memory, count);
     auto to = unpacked.begin();
     for (const dtf_datatree &child : children) {

@@ -3,10 +3,8 @@
  *
  * A list's entries mostly have the same leaves. Those that a walk adds one after the other need not be nodes each: all
  * of one shape share the nodes of that shape, and an entry is the texts of its values, about a tenth of the memory. In
- * a tree they stand behind the first entry of their list: one node with the flag `packed_flag`, the list's tag and
- * namespace, and no children.
- *
- * Only mapping_options::packs_entries makes such nodes, and only those who ask for it meet them.
+ * a tree they stand behind an entry of their list that is a node: another one with the flag `packed_flag`, the list's
+ * tag and namespace, and no children. Where mapping_options::packs_entries is not set there are no such nodes.
  */
 #ifndef FRAMEWORK_PACKED_ENTRIES_H
 #define FRAMEWORK_PACKED_ENTRIES_H
@@ -28,7 +26,7 @@ inline constexpr std::uint32_t packed_flag = 0x8000'0000;
 
 /* What entries have in common. */
 struct entry_shape {
-    /* An entry with all below; its leaves have the values of whichever entry was looked at last. */
+    /* An entry with all below; the values of its leaves hold only for packed_cursor::entry(). */
     dtf_datatree entry;
     /* The leaf of each value, in the order of the values. */
     std::span<dtf_datatree *> leaves;

@@ -4,6 +4,7 @@
 #include "schema_facts.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace framework {
 
@@ -87,7 +88,7 @@ const char *path_table::intern(std::string_view tag)
 }
 
 /* The list at a schema path, from the facts when it is met first; null when the path is no list. */
-const list_schema *path_table::list_at(const std::string &path)
+const list_schema *path_table::list_at(std::string_view path)
 {
     if (const auto known = lists_.find(path); known != lists_.end())
         return known->second.get();
@@ -102,20 +103,21 @@ const list_schema *path_table::list_at(const std::string &path)
     }
     /* OpenConfig's style: what can be configured has a `config` container. */
     list->needs_keys = !list->keys.empty() && facts->child("config") != nullptr;
-    return lists_.emplace(path, std::move(list)).first->second.get();
+    return lists_.emplace(list->path, std::move(list)).first->second.get();
 }
 
+/* Allocates for lists that are met first only, and those are not new to paths that were parsed before. */
 void path_table::bind_lists(parsed_path &path)
 {
     path.list_count = 0;
     path.lists_end = 0;
     if (path.relative)
         return;
-    std::string prefix;
+    std::size_t end = 0;
     const list_schema *above = nullptr;
     for (path_segment &segment : path.segments) {
-        prefix.append("/").append(segment.tag());
-        segment.list = list_at(prefix);
+        end += 1 + std::strlen(segment.tag());
+        segment.list = list_at(std::string_view(path.text).substr(0, end));
         describe(segment.blank, segment.list != nullptr, above != nullptr && above->is_key(segment.tag()));
         above = segment.list;
         if (segment.list != nullptr) {

@@ -10,6 +10,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -94,7 +96,7 @@ class path_table
     const parsed_path *look_up(const char *path);
     const parsed_path *parse(std::string_view text);
     const char *intern(std::string_view tag);
-    const list_schema *list_at(const std::string &path);
+    const list_schema *list_at(std::string_view path);
     void bind_lists(parsed_path &path);
 
     /* Literals lie close together and differ in their low bits. */
@@ -111,7 +113,7 @@ class path_table
     /* All addresses met, with null for those of buffers. */
     std::unordered_map<const char *, const parsed_path *> by_address_;
     std::unordered_map<std::string_view, std::unique_ptr<parsed_path>> by_text_;
-    std::unordered_map<std::string, std::unique_ptr<list_schema>> lists_;
+    std::map<std::string, std::unique_ptr<list_schema>, std::less<>> lists_;
     std::unordered_set<std::string_view> tags_;
 };
 

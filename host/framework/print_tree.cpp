@@ -13,7 +13,7 @@ constexpr std::size_t deepest = 512;
 
 void print_node(debug_log &log, const dtf_datatree &node, std::size_t depth, std::string &line)
 {
-    if (is_packed(node)) {
+    if (is_packed(node)) { /* one that the walk is still at does not show */
         for (packed_cursor cursor(node); cursor.next();)
             print_node(log, cursor.entry(), depth, line);
         return;

@@ -29,9 +29,6 @@ class ready_entry
         take_apart(sink.captured(write), marks.size());
     }
 
-    /* Nothing was made ready; the text of an entry is never empty. */
-    bool is_empty() const { return pieces_.empty() && end_.empty(); }
-
     /*
      * Writes an entry with these values. False, and nothing is written, where one holds a special character, and where
      * the text is too long to be kept ready.
@@ -83,7 +80,7 @@ using ready_entries = std::map<std::tuple<const entry_shape *, const void *, std
 
 /*
  * Writes the packed entries of a node: `write_whole` writes one (const dtf_datatree &), and where a ready text does it,
- * that is written. `make_ready` makes it, or an empty one, once for each shape at this place.
+ * that is written. `make_ready` gives it for a shape.
  */
 template <typename Make, typename Write>
 void write_packed(text_sink &sink, const special_characters &special, const dtf_datatree &packed, Make make_ready,

@@ -4,8 +4,6 @@
 #include "ready_entry.h"
 #include "schema_facts.h"
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstring>
 #include <utility>
@@ -112,10 +110,10 @@ void xml_writer::write_packed_entries(const dtf_datatree &node, const char *ns_a
 {
     const auto write_whole = [&](const dtf_datatree &entry) { write_tree(entry, ns_above); };
     const auto make_ready = [&](entry_shape &shape) -> const ready_entry & {
-        ready_entry &ready = ready_entries_[{&shape, ns_above, open_.size()}];
-        if (ready.is_empty() && !options_.notes)
-            ready = ready_entry(sink_, shape, [&] { write_whole(shape.entry); });
-        return ready;
+        const auto [known, is_new] = ready_entries_.try_emplace({&shape, ns_above, open_.size()});
+        if (is_new && !options_.notes)
+            known->second = ready_entry(sink_, shape, [&] { write_whole(shape.entry); });
+        return known->second;
     };
     write_packed(sink_, special, node, make_ready, write_whole);
 }

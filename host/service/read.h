@@ -36,8 +36,8 @@ struct read_costs {
  * changed. Fetches what the filter needs, and nothing else (fetch.h). Throws walk_fault, and std::runtime_error where
  * the store is damaged.
  *
- * Channels are packed (packed_entries.h). The reply's nodes are in `memory` and may use texts of the store, the plug-in and the filter: all must outlive it,
- * `state` included.
+ * Channels are packed (packed_entries.h). The reply's nodes are in `memory` and may use texts of the store, the plug-in
+ * and the filter: all must outlive it, `state` included.
  */
 dtf_datatree read(const plugin &mapper, const ostore::transaction &state, const dtf_datatree *filter,
                   std::uint32_t kind, framework::arena &memory, const walk_options &walks, read_costs *costs = nullptr);

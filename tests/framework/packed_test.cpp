@@ -1,4 +1,5 @@
 /* Whether entries are packed shows in no document: random walks, packed and not. */
+#include "faults.h"
 #include "json_writer.h"
 #include "scripted_walk.h"
 #include "xml_writer.h"
@@ -8,9 +9,31 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
 #include <random>
+#include <utility>
 
 using namespace scripted;
+
+namespace {
+
+/* After so many allocations one fails, the others do not. */
+std::size_t allocations_left = SIZE_MAX;
+
+} // namespace
+
+void *operator new(std::size_t size)
+{
+    if (allocations_left-- == 0)
+        throw std::bad_alloc();
+    if (void *const memory = std::malloc(size))
+        return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void *memory) noexcept { std::free(memory); }
+void operator delete(void *memory, std::size_t) noexcept { std::free(memory); }
 
 namespace {
 
@@ -19,6 +42,10 @@ class stroll
 {
   public:
     stroll(walk &of, unsigned seed) : walk_(of), ns_(of.ns), random_(seed), list_(of.ns == ots_ns ? 'S' : 'C') {}
+
+    /* One of the allocations of its additions fails. */
+    void fail(std::size_t allocation) { allocation_ = allocation; }
+    int faults() const { return faults_; }
 
     static constexpr const char *ots_ns = CHMON_NS_VANTRA_TALIN_CONTROLLER_KESTREL_OTS_OPER;
 
@@ -30,7 +57,10 @@ class stroll
         if (one_in(3))
             add(outer + "/name");
         for (auto count = random_() % (one_in(20) ? 500 : 20); count-- != 0;)
-            inside(list_path('S'), [this] { entry(); });
+            if (one_in(10))
+                add(outer + (list_ == 'S' ? "/ots-spectrum-info/foo" : "/channels/foo"));
+            else
+                inside(list_path('S'), [this] { entry(); });
         if (!one_in(4))
             add(outer + "/name");
     }
@@ -95,7 +125,11 @@ class stroll
             "191350000",           "-12", "a&b<c>\"d\"\\",        " spaced\n", "\xc3\xa9", "\xff\x01", "",
             std::string(300, 'x'), "1.5", std::string(5000, 'y'), "true"};
         const std::string &value = values[one_in(5) ? random_() % std::size(values) : 0];
-        EXPECT_EQ(walk_.add(path, new_entry ? nullptr : value.c_str(), new_entry), FAULT_SUCCESS);
+        allocations_left = allocation_;
+        const faultno fault = walk_.add(path, new_entry ? nullptr : value.c_str(), new_entry);
+        allocation_ = std::exchange(allocations_left, SIZE_MAX);
+        EXPECT_EQ(fault, fault == FAULT_SUCCESS ? fault : framework::fault_no_memory);
+        faults_ += fault != FAULT_SUCCESS;
     }
 
     bool one_in(unsigned turns) { return random_() % turns == 0; }
@@ -105,6 +139,8 @@ class stroll
     std::mt19937 random_;
     char list_;
     bool pushes_ = one_in(2);
+    int faults_ = 0;
+    std::size_t allocation_ = SIZE_MAX;
 };
 
 std::string documents_of(const dtf_datatree &tree)
@@ -128,7 +164,7 @@ std::string difference(const std::string &a, const std::string &b)
 TEST(packed_entries, make_no_difference_to_documents)
 {
     std::size_t packed = 0;
-    for (unsigned seed = 0; seed < 300; ++seed) {
+    for (unsigned seed = 0; seed < 200; ++seed) {
         std::string documents[2];
         for (const bool packs : {false, true}) {
             walk w({.packs_entries = packs});
@@ -148,7 +184,28 @@ TEST(packed_entries, make_no_difference_to_documents)
         }
         ASSERT_EQ(difference(documents[0], documents[1]), "") << seed;
     }
-    EXPECT_GT(packed, 150U);
+    EXPECT_GT(packed, 100U);
+}
+
+TEST(packed_entries, survive_any_allocation_that_fails)
+{
+    int faults = 0;
+    for (unsigned seed = 0; seed < 10; ++seed)
+        for (std::size_t allocation = 0; allocation < 150; ++allocation) {
+            walk w({.packs_entries = true});
+            w.run([&](walk &self) {
+                stroll on(self, seed);
+                on.fail(allocation);
+                for (int i = 0; i < 3; ++i)
+                    on.inside(list_path('P'), [&] { on.port(); });
+                faults += on.faults();
+                return FAULT_SUCCESS;
+            });
+            const std::string packed = documents_of(w.out);
+            framework::unpack_all(w.memory, w.out);
+            ASSERT_EQ(difference(packed, documents_of(w.out)), "") << seed << ' ' << allocation;
+        }
+    EXPECT_GT(faults, 300);
 }
 
 } // namespace
