@@ -1,6 +1,7 @@
 #include "xml_cursor.h"
 
 #include <algorithm>
+#include <array>
 
 namespace framework {
 
@@ -98,15 +99,48 @@ void xml_cursor::skip_comment()
     ++at_;
 }
 
-/* An XML declaration looks like one, and may stand at the beginning only (section 2.6). */
+/* An XML declaration looks like one, and may stand at the beginning only; no other has such a name (section 2.6). */
 void xml_cursor::skip_instruction()
 {
     const char *const start = at_ - 1;
     ++at_;
     const std::string_view target = take_name();
-    if (target == "xml" && start != text_.bytes.get() + byte_order_mark_size(text_))
-        fail(start, "malformed XML: an XML declaration that is not at the beginning");
+    if (target == "xml") {
+        if (start != text_.bytes.get() + byte_order_mark_size(text_))
+            fail(start, "malformed XML: an XML declaration that is not at the beginning");
+        take_declaration();
+        return;
+    }
+    if (target.size() == 3 && (target[0] | 0x20) == 'x' && (target[1] | 0x20) == 'm' && (target[2] | 0x20) == 'l')
+        fail(target.data(), "malformed XML: a processing instruction may not be called " + std::string(target));
+    if (!is(*at_, space) && !starts_with("?>"))
+        fail_here("a processing instruction goes on without white space");
     take_until("?>", "a processing instruction");
+}
+
+/* Version, encoding and standalone in this order, the first one always (section 2.8). Encodings are checked before. */
+void xml_cursor::take_declaration()
+{
+    constexpr std::array<std::string_view, 3> names = {"version", "encoding", "standalone"};
+    auto next = names.begin();
+    for (;;) {
+        const char *const before = at_;
+        skip_spaces();
+        if (starts_with("?>") && next != names.begin())
+            break;
+        const char *const start = at_;
+        const auto [name, value] = take_attribute();
+        const auto found = std::find(next, names.end(), name);
+        if (start == before || found == names.end() || (found != names.begin() && next == names.begin()))
+            fail(start, "malformed XML: an XML declaration has a version, then perhaps encoding and standalone");
+        next = found + 1;
+        if (name == "version" && !(value.size() > 2 && value.starts_with("1.") &&
+                                   value.find_first_not_of("0123456789", 2) == std::string_view::npos))
+            fail(value.data(), "XML of another version than 1.0");
+        if (name == "standalone" && value != "yes" && value != "no")
+            fail(value.data(), "malformed XML: standalone is yes or no");
+    }
+    at_ += std::strlen("?>");
 }
 
 /* What stands before `close`, and passes that. */

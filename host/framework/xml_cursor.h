@@ -117,6 +117,7 @@ class xml_cursor
     xml_attribute take_attribute();
     void skip_comment();
     void skip_instruction();
+    void take_declaration();
     std::string_view take_until(std::string_view close, const char *what);
     void check_characters(std::string_view text) const;
     [[noreturn]] void fail_here(const std::string &what) const;

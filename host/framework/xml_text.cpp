@@ -24,7 +24,8 @@ bool equal_ignoring_case(std::string_view a, std::string_view b)
 std::string_view declared_encoding(std::string_view text)
 {
     const std::size_t start = text.starts_with("\xef\xbb\xbf") ? 3 : 0;
-    if (!text.substr(start).starts_with("<?xml"))
+    constexpr std::string_view target = "<?xml";
+    if (!text.substr(start).starts_with(target) || !is_space(text.data()[start + target.size()])) /* padding follows */
         return {};
     const std::string_view declaration = text.substr(start, text.find("?>") - start);
     std::size_t at = declaration.find("encoding");
