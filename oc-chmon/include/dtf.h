@@ -293,7 +293,8 @@ uint32_t dtf_map_util_itree_stack_size(dtf_map_ctx ctx);
 /* Writes a tree (null: none) to the debug log under a label. */
 void dtf_map_print_datatree_internal(dtf_map_ctx ctx, const struct dtf_datatree *tree, const char *label);
 
-/* A copy of `text`, named `tag` in the framework's books; released with plat_named_free(). Null when out of memory. */
+/* A copy of `text`, named `tag` in the framework's books; released with plat_named_free(). Null when out of memory, and
+ * for a null text (a node without a tag that is refused). */
 char *dtf_strdup(const char *text, const char *tag);
 /* Releases a dtf_strdup() copy; null is allowed. */
 void plat_named_free(void *allocation);

@@ -439,7 +439,7 @@ void dtf_map_print_datatree_internal(dtf_map_ctx ctx, const struct dtf_datatree 
 
 char *dtf_strdup(const char *text, const char *tag)
 {
-    char *copy = current->note("strdup", text, tag).fails() ? nullptr : strdup(text);
+    char *copy = current->note("strdup", text, tag).fails() || text == nullptr ? nullptr : strdup(text);
     if (copy != nullptr)
         current->copies.insert(copy);
     return copy;

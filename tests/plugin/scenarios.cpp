@@ -196,7 +196,7 @@ bool is_kept(const dtf_datatree &before, const dtf_datatree &after, bool expandi
 {
     constexpr uint32_t written = DTF_FLAG_OP_SET | DTF_FLAG_HAS_SUBTREE | DTF_FLAG_KEY;
     const bool children = before.children == after.children && before.child_count == after.child_count,
-               counted = (before.flags & DTF_FLAG_HAS_SUBTREE) != 0;
+               counted = (before.flags & DTF_FLAG_HAS_SUBTREE) != 0 && before.children != nullptr;
     return before.tag == after.tag && before.value == after.value && before.ns == after.ns &&
            before.source_index == after.source_index && before.error_kind == after.error_kind &&
            before.child_room == after.child_room && ((before.flags ^ after.flags) & ~written) == 0 &&

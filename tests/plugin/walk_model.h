@@ -296,6 +296,11 @@ struct model {
         return rc;
     }
 
+    static uint32_t children_held(const dtf_datatree &entry)
+    {
+        return (entry.flags & DTF_FLAG_HAS_SUBTREE) != 0 && entry.children != nullptr ? entry.child_count : 0;
+    }
+
     void list_pass(id n, dtf_datatree *in, const char *path, uint32_t count, notes &seen,
                    std::optional<dtf_itree_entry> &peeked, faultno &rc)
     {
@@ -328,8 +333,7 @@ struct model {
                     set_operation(entry, 4);
                 peeked->callback(ctx, entry, &h.out, 0);
             }
-            const uint32_t of_entry = (entry->flags & DTF_FLAG_HAS_SUBTREE) != 0 ? entry->child_count : 0;
-            list_iteration(n, in, entry, entries ? of_entry : count, seen, rc);
+            list_iteration(n, in, entry, entries ? children_held(*entry) : count, seen, rc);
             if (recorded)
                 dtf_map_remove_from_node_hierarchy(ctx, entry);
         }
@@ -365,8 +369,8 @@ struct model {
         // an entry that is named by its keys alone
         if (rc == 0 && !seen.empty_key && !seen.others && seen.keys != 0 && (read || deletes(in))) {
             const bool set_delete = seen.delete_started && r.delete_walk == 0;
-            dtf_datatree *const children = entry->children;
-            const uint32_t parked = entry->child_count;
+            const uint32_t parked = children_held(*entry);
+            dtf_datatree *const children = parked == 0 ? nullptr : entry->children;
             r.expand_mode = 1;
             r.delete_walk = set_delete ? 1 : r.delete_walk;
             if (deletes(in))
