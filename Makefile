@@ -50,6 +50,7 @@ mutate:
 
 coverage:
 	@tools/setup build test coverage
+	@rm -rf build/coverage/profiles
 	@tools/build --test coverage
 	@tools/coverage build/coverage
 

@@ -181,6 +181,9 @@ void dtf_oc_error_path(dtf_map_ctx ctx)
 char *dtf_strdup(const char *text, const char *tag)
 {
     (void)tag;
+    if (text == NULL) {
+        return NULL;
+    }
     const size_t size = strlen(text) + 1;
     char *copy = malloc(size);
     return copy != NULL ? memcpy(copy, text, size) : NULL;
