@@ -76,9 +76,10 @@ inline void *arena::allocate(std::size_t size)
 {
     /* Texts leave the next byte anywhere, so objects align it first. Blocks themselves come aligned. */
     const std::size_t padding = -reinterpret_cast<std::uintptr_t>(next_) % alignment;
-    if (size + padding > left_)
-        return take(size);
-    return take(size + padding) + padding;
+    if (size + padding <= left_)
+        return take(size + padding) + padding;
+    used_ += size;
+    return open_block(size);
 }
 
 inline const char *arena::copy(std::string_view text)

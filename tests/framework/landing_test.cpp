@@ -68,6 +68,18 @@ TEST(landing, a_path_that_names_nothing_changes_nothing_and_one_is_known_by_its_
     EXPECT_EQ(text_of(w.out), "{a{b= c=}}");
 }
 
+TEST(landing, objects_are_aligned_wherever_texts_leave_a_block)
+{
+    for (std::size_t size = 1; size < 100; ++size) {
+        framework::arena memory;
+        for (std::size_t text = 0; text < 3000; ++text) {
+            memory.copy(std::string(text % 37, 'x'));
+            const auto address = reinterpret_cast<std::uintptr_t>(memory.allocate(size));
+            ASSERT_EQ(address % alignof(std::max_align_t), 0U) << size << ' ' << text;
+        }
+    }
+}
+
 /* Seconds and bytes of mapping `count` channels below one monitor. */
 std::pair<double, std::size_t> cost_of(std::size_t count, bool packed)
 {
