@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <new>
 #include <utility>
 
@@ -17,12 +16,7 @@ namespace {
 constexpr std::size_t first_block = std::size_t{1} << 10;
 constexpr std::size_t last_block = std::size_t{64} << 10;
 
-template <typename T> T *make_in(arena &memory, std::size_t count = 1)
-{
-    T *const made = static_cast<T *>(memory.allocate(count * sizeof(T)));
-    std::uninitialized_value_construct_n(made, count);
-    return made;
-}
+template <typename T> T *make_in(arena &memory) { return new (memory.allocate(sizeof(T))) T{}; }
 
 /* The node that a path names below an entry of its last list. */
 dtf_datatree &node_below(dtf_datatree &entry, const parsed_path &path)
@@ -154,7 +148,7 @@ entry_shape *entry_packer::make_shape(std::uint32_t last) const
     for (const step *const gone : way)
         add_below(*memory_, shape->entry, *gone->path, gone->ns);
     std::erase_if(way, [](const step *gone) { return !gone->has_value; });
-    shape->leaves = {make_in<dtf_datatree *>(*memory_, way.size()), way.size()};
+    shape->leaves = {static_cast<dtf_datatree **>(memory_->allocate(way.size() * sizeof(void *))), way.size()};
     std::ranges::transform(way, shape->leaves.begin(), [shape](const step *gone) {
         dtf_datatree &leaf = node_below(shape->entry, *gone->path);
         leaf.flags |= DTF_FLAG_HAS_VALUE;

@@ -6,7 +6,6 @@
 #include "text_sink.h"
 
 #include <cstddef>
-#include <cstring>
 #include <map>
 #include <span>
 #include <string>
@@ -63,11 +62,7 @@ class ready_entry
         std::size_t value;
     };
 
-    static char *put(char *to, const std::string &text)
-    {
-        std::memcpy(to, text.data(), text.size());
-        return to + text.size();
-    }
+    static char *put(char *to, const std::string &text) { return to + text.copy(to, text.size()); }
 
     /* Of the pieces and the end; more than there is room for where nothing is ready. */
     std::size_t size_ = text_sink::most_room + 1;
