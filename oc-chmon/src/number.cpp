@@ -2,6 +2,7 @@
 
 #include "text_size.h"
 
+#include <cctype>
 #include <cfloat>
 #include <charconv>
 #include <cmath>
@@ -59,6 +60,10 @@ double read_number(const char *text)
     if ('0' == text[0] && ('x' == text[1] || 'X' == text[1])) {
         format = std::chars_format::hex;
         text += 2;
+        /* from_chars() would take a second sign, inf and nan here. */
+        if ('.' != *text && 0 == std::isxdigit(static_cast<unsigned char>(*text))) {
+            return 0.0;
+        }
     }
     double number = 0.0;
     const auto [end, error] = std::from_chars(text, text + std::strlen(text), number, format);

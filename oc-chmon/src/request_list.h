@@ -38,8 +38,8 @@ struct entry_notes {
     /* The list hook ran in a delete walk that this walker started; and that walk is still to be ended. */
     bool started_delete_walk = false;
     bool owes_delete_walk_end = false;
-    /* The instance-tree stack entry that the list hook left behind, by value: later pushes may move the stack. */
-    bool peeked = false;
+    /* The instance-tree stack entry that the list hook left behind, by value: later pushes may move the stack. One
+     * without an array is as good as none. */
     dtf_itree_entry stacked = {};
 
     bool key_was_seen() const { return 0 != keys_seen; }
@@ -163,7 +163,6 @@ inline void peek_stack(dtf_map_ctx ctx, entry_notes &notes)
     dtf_itree_entry *top = NULL;
     dtf_map_util_itree_stack_peak(ctx, &top);
     if (NULL != top) {
-        notes.peeked = true;
         notes.stacked = *top;
     }
 }
@@ -280,7 +279,7 @@ faultno walk_entry(const walk &at, dtf_datatree &node, dtf_datatree &entry, entr
 }
 
 /* Walks the entries that the hook left on the instance-tree stack in the list node's place. The first stands where the
- * list node was recorded; the others are recorded one by one. */
+ * list node was recorded; the others are recorded one by one, even while the content of the list is expanded. */
 template <typename List>
 faultno walk_stacked_entries(const walk &at, dtf_datatree &node, entry_notes &notes, faultno rc)
 {
@@ -341,7 +340,7 @@ template <typename List> faultno walk_entry_pass(const walk &at, dtf_datatree &n
             at.ctx->list_node_op = has_flag(node, DTF_FLAG_OP_SET) ? node.operation : 0;
         }
     }
-    if (notes.peeked && 0 != notes.stacked.count) {
+    if (NULL != notes.stacked.children && 0 != notes.stacked.count) {
         rc = walk_stacked_entries<List>(at, node, notes, rc);
     } else {
         rc = walk_entry<List>(at, node, node, notes, rc);
@@ -395,7 +394,7 @@ template <typename List> faultno walk_request_entry(const walk &at)
     rc = check_keys<List>(at, node, notes, rc);
     rc = walk_entry_passes<List>(at, node, notes, rc);
     end_owed_delete_walk(state, notes);
-    if (notes.peeked && NULL != notes.stacked.children) {
+    if (NULL != notes.stacked.children) {
         dtf_map_util_itree_stack_pop(at.ctx);
     }
     if (recorded) {

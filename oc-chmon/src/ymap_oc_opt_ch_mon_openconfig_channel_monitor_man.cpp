@@ -83,8 +83,7 @@ bool names_monitor(dtf_map_ctx ctx)
 {
     char path[value_size] = {};
     char name[value_size] = {};
-    const dtf_req_ctx &state = *ctx->req_ctx;
-    const dtf_datatree *root = 0 == state.hierarchy_len ? NULL : state.hierarchy[0].node_data;
+    const dtf_datatree *root = ctx->req_ctx->hierarchy[0].node_data;
     (void)compare_path_and_return_data(ctx, root, "channel-monitors/channel-monitor/name", path, name);
     return '\0' != name[0];
 }

@@ -220,7 +220,7 @@ inline faultno list_to_low(const char *me, const dtf_datatree *in)
         return 0;
     string named;
     const dtf_req_ctx &s = current->state;
-    find_value(s.hierarchy_len == 0 ? nullptr : s.hierarchy[0].node_data, own_monitor.substr(1) + "/name", "", named);
+    find_value(s.hierarchy[0].node_data, own_monitor.substr(1) + "/name", "", named);
     trc(me, printed("data_input= %u", current->request.data_input));
     if (!named.empty() && is_configuration())
         return add(own_interface, nullptr, nullptr, 1);

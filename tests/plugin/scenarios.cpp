@@ -93,11 +93,11 @@ scenario generated(uint32_t seed)
         s.called = d.one_in(2);
         s.counted = s.called || !d.one_in(5);
         s.pushed = "entries";
-        for (uint32_t i = s.counted || d.one_in(2) ? d(3) + 1 : 0; i > 0; --i)
+        for (uint32_t i = (s.counted && !d.one_in(8)) || d.one_in(2) ? d(3) + 1 : 0; i > 0; --i)
             s.pushed += (s.pushed.back() == 's' ? '{' : ' ') + grow(d, list);
         s.pushed += s.pushed == "entries" ? "" : "}";
     }
-    s.leaves_entries = s.pushes > 1 || !s.counted || s.function == 'h';
+    s.leaves_entries = s.pushes > 1 || !s.counted || s.pushed == "entries" || s.function == 'h';
     s.change = [d](host &h) {
         dice now = d;
         preset(h, now);
@@ -230,7 +230,8 @@ outcome run(const scenario &s, const circumstance &c, bool by_account)
     h.poison = true;
     if (!s.pushed.empty()) {
         const dtf_datatree *const list = h.plant(s.pushed, ns_of(top));
-        const dtf_itree_entry entry{list->children, s.counted ? list->child_count : 0, s.called ? &callback : nullptr};
+        const uint32_t count = list->children == nullptr ? 2 : list->child_count; // of an array that is missing, too
+        const dtf_itree_entry entry{list->children, s.counted ? count : 0, s.called ? &callback : nullptr};
         h.on_add = [entry, times = s.pushes](host &, const addition &add) mutable {
             if (add.new_list_entry == 1 && times > 0 && times-- > 0)
                 dtf_map_util_itree_stack_push(&current->context, entry.children, entry.count, entry.callback);

@@ -204,7 +204,7 @@ TEST(utility, numbers)
     for (const auto &[decimal, expected] : to_low)
         EXPECT_EQ(native_power(decimal.c_str()), expected);
     for (const string &text : products({{"", " ", "\n\t", "+", "-", "--", "+-", "- ", "x"},
-            {"", "0", "7.5", ".5", "5.", ".", "1e", "1e+", "1e3", "25e-1x", "1e308", "1e-400", "0x", "0x.8", "0X1p4", "0xg", "0x1p", "nan", "NAN(12)", "nan(", "inf",
+            {"", "0", "7.5", ".5", "5.", ".", "1e", "1e+", "1e3", "25e-1x", "1e308", "1e-400", "0x", "0x.8", "0x-5", "0xinf", "0X1p4", "0xg", "0x1p", "nan", "NAN(12)", "nan(", "inf",
              "infinity", "infinit", "INFINIT", "2147483648", string(300, '9'), string(199, '0') + '5'}}))
         to_high[text] = power(text.c_str()), to_low[text] = native_power(text.c_str());
     // clang-format on

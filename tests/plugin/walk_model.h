@@ -320,7 +320,7 @@ struct model {
                 ctx->list_node_op = (in->flags & DTF_FLAG_OP_SET) != 0 ? in->operation : 0;
         }
         // the entries
-        const bool entries = peeked && peeked->count != 0;
+        const bool entries = peeked && peeked->children != nullptr && peeked->count != 0;
         for (uint32_t i = 0; i < (entries ? peeked->count : 1); ++i) {
             dtf_datatree *const entry = entries ? &peeked->children[i] : in;
             const bool recorded = i > 0 && rc == 0, called = entries && peeked->callback != nullptr && rc == 0;
