@@ -25,7 +25,7 @@ bool is_name(std::string_view text)
 
 name_table::name_table(arena &memory) : memory_(memory)
 {
-    start_.text = "\n"; /* no name, so that it is never the right guess */
+    start_.text = "\xff"; /* in no UTF-8 text, so that it is never the right guess */
     start_.next = &start_;
 }
 

@@ -23,6 +23,7 @@ struct name_entry {
     std::uint64_t stamp;     /* free for the reader; 0 at first */
 };
 
+/* All names must be UTF-8. */
 class name_table
 {
   public:
