@@ -40,9 +40,9 @@ struct bench {
 
     bench()
     {
-        std::vector<device::document> documents;
+        std::vector<framework::document_text> documents;
         for (const char *const file : {"inventory.json", "interfaces.xml", "ots-oper.json"})
-            documents.push_back(device::read_document(std::filesystem::path(CHMON_TINY_DEVICE) / file));
+            documents.push_back(framework::read_document_text(std::string(CHMON_TINY_DEVICE) + '/' + file, 1 << 20));
         device::load(device, device::schema(), documents);
         configuration = edits::stored(device);
     }

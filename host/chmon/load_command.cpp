@@ -21,10 +21,10 @@ void load(const std::vector<std::string> &files, const global_options &globals)
 {
     /* First the device: where there is none, reading the documents would be for nothing. */
     device::folder into = device::folder::open(globals.device_folder());
-    std::vector<device::document> documents;
+    std::vector<framework::document_text> documents;
     documents.reserve(files.size());
     for (const std::string &file : files)
-        documents.push_back(device::read_document(file));
+        documents.push_back(framework::read_document_text(file, framework::document_options().size_limit));
     const device::load_summary loaded = device::load(into, device::schema(), documents);
     if (loaded.monitors)
         std::cout << "inventory: " << counted(*loaded.monitors, "monitor") << '\n';

@@ -58,11 +58,11 @@ bool is_monitor_name(std::string_view name)
            (amplifier == "-CHMON-BST" || amplifier == "-CHMON-PRE");
 }
 
-std::vector<std::string> read_inventory(const std::string &text, std::string_view file)
+std::vector<std::string> read_inventory(std::string_view text, std::string_view file)
 {
     simdjson::dom::parser parser;
     simdjson::dom::element document;
-    if (const auto error = parser.parse(text).get(document); error != simdjson::SUCCESS) {
+    if (const auto error = parser.parse(text.data(), text.size()).get(document); error != simdjson::SUCCESS) {
         refuse(file, std::string("not JSON: ") + simdjson::error_message(error));
     }
     std::vector<std::string> names;

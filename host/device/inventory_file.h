@@ -16,6 +16,6 @@ bool is_monitor_name(std::string_view name);
 
 /// The names of an inventory file, in its order. Throws invalid_document, naming `file` and what is wrong, for anything
 /// but one member "inventory" that is an array of monitor names without doubles.
-std::vector<std::string> read_inventory(const std::string &text, std::string_view file);
+std::vector<std::string> read_inventory(std::string_view text, std::string_view file);
 
 } // namespace device

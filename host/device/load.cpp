@@ -1,5 +1,6 @@
 #include "device/load.h"
 
+#include "device/document.h"
 #include "device/inventory.h"
 #include "device/inventory_file.h"
 #include "device/native_document.h"
@@ -11,9 +12,9 @@ namespace {
 using names = std::optional<std::vector<std::string>>;
 
 /// Reads one document, whatever it is, into what it belongs to.
-void read(const schema &modules, const document &from, native_records &records, names &monitors)
+void read(const schema &modules, const framework::document_text &from, native_records &records, names &monitors)
 {
-    const document_kind kind = kind_of(from.text, from.name);
+    const document_kind kind = kind_of(from);
     check_text(from);
     if (kind != document_kind::inventory) {
         read_native(modules, from, kind == document_kind::native_xml ? format::xml : format::json, records);
@@ -22,17 +23,17 @@ void read(const schema &modules, const document &from, native_records &records, 
     if (monitors) {
         throw invalid_document(from.name + ": a second inventory in the same load");
     }
-    monitors = read_inventory(from.text, from.name);
+    monitors = read_inventory(framework::content_of(from), from.name);
 }
 
 } // namespace
 
-load_summary load(folder &into, const schema &modules, const std::vector<document> &documents)
+load_summary load(folder &into, const schema &modules, const std::vector<framework::document_text> &documents)
 {
     // First everything that can fail for the documents' sake and takes long; the writers' lock is not held meanwhile.
     native_records records;
     names monitors;
-    for (const document &each : documents) {
+    for (const framework::document_text &each : documents) {
         read(modules, each, records, monitors);
     }
 

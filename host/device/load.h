@@ -1,9 +1,9 @@
 /// Loading documents into a device: native ones and inventories.
 #pragma once
 
-#include "device/document.h"
 #include "device/folder.h"
 #include "device/schema.h"
+#include "framework/document.h"
 
 #include <optional>
 #include <vector>
@@ -20,7 +20,8 @@ struct load_summary {
 
 /// Replaces, for each kind of data that the documents hold, all that the device has of it. The documents are told apart
 /// by their content and judged before anything is stored; then all of them go into one transaction. Throws
-/// invalid_document for one that is not valid, and for two of one kind; after any error the device is as it was.
-load_summary load(folder &into, const schema &modules, const std::vector<document> &documents);
+/// invalid_document for one that is not valid, and for two of one kind, framework::parse_error for one that is not well
+/// formed; after any error the device is as it was.
+load_summary load(folder &into, const schema &modules, const std::vector<framework::document_text> &documents);
 
 } // namespace device

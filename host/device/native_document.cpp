@@ -1,5 +1,7 @@
 #include "device/native_document.h"
 
+#include "framework/xml_wrapper.h"
+
 #include <libyang/libyang.h>
 
 namespace device {
@@ -86,25 +88,43 @@ void read_ots_oper(const lyd_node *container, native_records &records)
     }
 }
 
-[[noreturn]] void refuse(const document &from, const lyd_node *top, const char *cause)
+[[noreturn]] void refuse(const framework::document_text &from, const lyd_node *top, const char *cause)
 {
     throw invalid_document(from.name + ": /" + top->schema->module->name + ":" + top->schema->name + ": " + cause);
 }
 
+bool is_native(const lyd_node *top) { return has_name(top, "interface-configurations") || has_name(top, "ots-oper"); }
+
+/// The document's tree. Of one that is of another module this is told, and not what else is wrong with it.
+data_tree parse(const schema &modules, const framework::document_text &from, format written_as)
+{
+    const auto inner = written_as == format::xml ? framework::without_wrapper(from) : std::nullopt;
+    const std::string_view text = inner ? std::string_view(*inner) : framework::content_of(from);
+    try {
+        return modules.parse(text, written_as, check::whole, from.name);
+    } catch (const invalid_document &) {
+        const data_tree read = modules.parse(text, written_as, check::types, from.name);
+        if (read != nullptr && !is_native(read.get())) {
+            refuse(from, read.get(), "not of a native module");
+        }
+        throw;
+    }
+}
+
 } // namespace
 
-void read_native(const schema &modules, const document &from, format written_as, native_records &records)
+void read_native(const schema &modules, const framework::document_text &from, format written_as,
+                 native_records &records)
 {
-    const auto inner = written_as == format::xml ? without_wrapper(from.text) : std::nullopt;
-    const data_tree tree = modules.parse(inner ? *inner : from.text, written_as, check::whole, from.name);
+    const data_tree tree = parse(modules, from, written_as);
     if (tree == nullptr) {
         throw invalid_document(from.name + ": holds no data");
     }
     for (const lyd_node *top = tree.get(); top != nullptr; top = top->next) {
-        const bool is_interfaces = has_name(top, "interface-configurations");
-        if (!is_interfaces && !has_name(top, "ots-oper")) {
+        if (!is_native(top)) {
             refuse(from, top, "not of a native module");
         }
+        const bool is_interfaces = has_name(top, "interface-configurations");
         if (is_interfaces ? records.has_interfaces() : records.has_ports()) {
             refuse(from, top, "stands in another document of the same load, too");
         }

@@ -73,13 +73,13 @@ std::string last_error(const ly_ctx *context)
                     (tells_of_the_end(cause) ? "the document ends early" : cause));
 }
 
-/// libyang's view of a text, which it does not copy.
+/// libyang's view of a text, which it does not copy, and reads up to a NUL.
 class input
 {
   public:
-    explicit input(const std::string &text)
+    explicit input(std::string_view text)
     {
-        if (ly_in_new_memory(text.c_str(), &in_) != LY_SUCCESS) {
+        if (ly_in_new_memory(text.data(), &in_) != LY_SUCCESS) {
             throw std::bad_alloc();
         }
     }
@@ -114,7 +114,7 @@ std::filesystem::path schema::default_folder()
 
 schema::schema(const std::filesystem::path &folder)
 {
-    if (!std::filesystem::is_directory(folder)) {
+    if (std::error_code unreadable; !std::filesystem::is_directory(folder, unreadable)) {
         throw std::runtime_error(folder.string() + ": no folder of YANG modules there ($CHMON_YANG can name another)");
     }
     // A setting of the whole process. Errors are kept for last_error(), not printed: only the caller knows what to say
@@ -132,12 +132,12 @@ schema::schema(const std::filesystem::path &folder)
     }
 }
 
-void schema::validate(const std::string &text, format written_as, check how, std::string_view name) const
+void schema::validate(std::string_view text, format written_as, check how, std::string_view name) const
 {
     parse(text, written_as, how, name);
 }
 
-data_tree schema::parse(const std::string &text, format written_as, check how, std::string_view name) const
+data_tree schema::parse(std::string_view text, format written_as, check how, std::string_view name) const
 {
     // libyang reads to the first NUL, and would take what stands before it for the whole document.
     if (const auto nul = text.find('\0'); nul != std::string::npos) {

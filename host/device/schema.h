@@ -54,11 +54,12 @@ class schema
     /// that exists, else the source folder that the program was built from.
     static std::filesystem::path default_folder();
 
-    /// Throws invalid_document when the text is not a valid document of the modules; `name` says whose text it is.
-    void validate(const std::string &text, format written_as, check how, std::string_view name) const;
+    /// Throws invalid_document when the text is not a valid document of the modules; `name` says whose text it is. A NUL
+    /// follows the text.
+    void validate(std::string_view text, format written_as, check how, std::string_view name) const;
 
     /// As validate, and hands the parsed document out; null when the text is valid and holds no data.
-    data_tree parse(const std::string &text, format written_as, check how, std::string_view name) const;
+    data_tree parse(std::string_view text, format written_as, check how, std::string_view name) const;
 
     /// libyang's own handle, for walks over the schema; owned by this object.
     const ly_ctx *context() const { return context_.get(); }

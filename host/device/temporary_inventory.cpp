@@ -1,8 +1,8 @@
 #include "device/temporary_inventory.h"
 
-#include "device/document.h"
 #include "device/inventory.h"
 #include "device/inventory_file.h"
+#include "framework/document.h"
 #include "ostore/transaction.h"
 
 namespace device {
@@ -11,8 +11,8 @@ namespace {
 
 std::vector<std::string> monitors_in(const std::filesystem::path &file)
 {
-    const document inventory = read_document(file);
-    return read_inventory(inventory.text, inventory.name);
+    const auto inventory = framework::read_document_text(file.string(), framework::document_options().size_limit);
+    return read_inventory(framework::content_of(inventory), inventory.name);
 }
 
 } // namespace

@@ -131,7 +131,7 @@ std::size_t byte_order_mark_size(const document_text &text)
 
 document_format format_of(const document_text &text)
 {
-    const std::string_view rest = text.view().substr(byte_order_mark_size(text));
+    const std::string_view rest = content_of(text);
     const std::size_t first = rest.find_first_not_of(white_space);
     if (first == std::string_view::npos)
         throw parse_error(text.name + ": the document is empty");

@@ -106,6 +106,9 @@ document_format format_of(const document_text &text);
 /* Bytes of the byte order mark that the text may begin with. */
 std::size_t byte_order_mark_size(const document_text &text);
 
+/* The text behind it. */
+inline std::string_view content_of(const document_text &text) { return text.view().substr(byte_order_mark_size(text)); }
+
 /* The document's tree: a virtual root whose children are the top nodes. Throws parse_error. */
 dtf_datatree parse_document(const document_text &text, arena &memory, const document_options &options = {});
 

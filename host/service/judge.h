@@ -19,8 +19,8 @@ void write_document(const dtf_datatree &tree, document_format format, const fram
 /* The same as one text, for those who need all of it. */
 std::string write_document(const dtf_datatree &tree, document_format format);
 
-/* Judges a native document, given as tree and as text. Throws device::invalid_document; `name` is the document's. */
-void judge_native(const dtf_datatree &native, const std::string &text, document_format format, const std::string &name);
+/* Judges a native document. Throws device::invalid_document. */
+void judge_native(const framework::document_text &text, document_format format);
 
 /* How much of the data a reply was asked for. */
 enum class reply_extent { whole, part };

@@ -13,7 +13,7 @@ std::string native_document(const device::folder &device, native_parts parts, do
         device::naming_store(state, [&] { return fetch_all(device::native_reader(state), parts, memory); });
     std::string text = write_document(native, format);
     if (!children_of(native).empty())
-        judge_native(native, text, format, device.database().file());
+        judge_native(framework::make_document_text(text, device.database().file()), format);
     return text;
 }
 

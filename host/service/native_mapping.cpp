@@ -82,10 +82,10 @@ void map_document(const plugin &mapper, const map_options &options, const framew
     const auto text = framework::read_document_text(options.document, limits.size_limit);
     const auto written_as = framework::format_of(text);
     /* The reader works in place: what is to be judged later is copied first. */
-    const std::string original(options.validate ? text.view() : std::string_view());
+    const auto original = framework::make_document_text(options.validate ? text.view() : std::string_view(), text.name);
     const dtf_datatree native = framework::parse_document(text, memory, limits);
     if (options.validate)
-        judge_native(native, original, written_as, text.name);
+        judge_native(original, written_as);
     const dtf_datatree reply = map_native(mapper, native, text.name, memory, options.kind, options.walks);
     const auto wanted = options.format.value_or(written_as);
     if (!options.validate) {
