@@ -2,6 +2,7 @@
 
 #include "ostore/lmdb_value.h"
 
+#include <cerrno>
 #include <optional>
 #include <utility>
 
@@ -79,7 +80,7 @@ database database::open(const std::filesystem::path &file, const std::vector<std
 
 database database::temporary(const std::vector<std::string> &tables)
 {
-    return database({}, tables, default_map_size, opening::anonymous);
+    return database({}, tables, temporary_map_size, opening::anonymous);
 }
 
 void database::env_closer::operator()(MDB_env *env) const { mdb_env_close(env); }
@@ -114,10 +115,14 @@ void database::open_environment(std::size_t map_size, opening how)
         file_.reserve_lock_file(lock_file_size);
     /* MDB_NOTLS: a read transaction belongs to its object, so that one thread can hold several. */
     const unsigned int private_file = how == opening::anonymous ? MDB_NOLOCK | MDB_NOSYNC : 0;
-    check_store(file(), "open", mdb_env_open(env, file_.path().c_str(), MDB_NOSUBDIR | MDB_NOTLS | private_file, 0640));
+    const int code = mdb_env_open(env, file_.path().c_str(), MDB_NOSUBDIR | MDB_NOTLS | private_file, 0640);
+    if (code == ENOMEM)
+        throw store_error(store_fault::failed, "store " + file() + ": cannot open: the process may not have the " +
+                                                   std::to_string(map_size) + " bytes of address space that it takes");
+    check_store(file(), "open", code);
     int cleared = 0;
     check_store(file(), "clear dead readers", mdb_reader_check(env, &cleared));
-    fill_up();
+    fill_up(map_size);
 }
 
 /* Bytes of the file that the store's pages may lie in. */
@@ -133,12 +138,15 @@ std::size_t database::used_size() const
 /*
  * A file that was cut short would raise a bus error when a page behind its end is read. Filled up with zeros, such a
  * page is recognised as damage instead. Not every short file is damaged: a transaction may give pages up again that
- * it never wrote. The writers' lock keeps other processes from growing the file meanwhile.
+ * it never wrote. The writers' lock keeps other processes from growing the file meanwhile. A size that no store of
+ * this map can have had is damage.
  */
-void database::fill_up()
+void database::fill_up(std::size_t map_size)
 {
     if (used_size() <= file_.size())
         return;
+    if (used_size() > map_size)
+        throw_store_error(file(), "open", MDB_CORRUPTED);
     const scoped_txn txn(env_.get(), 0, file());
     if (const std::size_t used = used_size(); used > file_.size())
         file_.resize(used);

@@ -69,7 +69,9 @@ class database
     static database open(const std::filesystem::path &file, const std::vector<std::string> &tables = {},
                          std::size_t map_size = default_map_size);
 
-    /* An empty store in memory that goes with the object. */
+    /* An empty store in memory that goes with the object. It can grow to 16 MiB: enough for an inventory, and no matter
+     * for a process with little address space. */
+    static constexpr std::size_t temporary_map_size = std::size_t{16} << 20;
     static database temporary(const std::vector<std::string> &tables = {});
 
     database(const database &) = delete;
@@ -102,7 +104,7 @@ class database
     database(const std::filesystem::path &file, const std::vector<std::string> &tables, std::size_t map_size,
              opening how);
     void open_environment(std::size_t map_size, opening how);
-    void fill_up();
+    void fill_up(std::size_t map_size);
     std::size_t used_size() const;
     bool open_tables();
     void make_tables(opening how);
