@@ -11,9 +11,10 @@
 
 #include "oc_chmon.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <set>
+#include <utility>
 
 namespace service {
 
@@ -102,18 +103,18 @@ chart::monitor read_spectrum(const plugin &mapper, const device::folder &device,
     const ostore::read_transaction state(device.database());
     framework::arena memory;
     const dtf_datatree all_names = filter_for(nullptr, memory);
-    std::string known;
-    bool found = false;
-    for (const chart::monitor &one : monitors_of(read(mapper, state, &all_names, kind_get, memory, walks), memory)) {
-        found = found || one.name == name;
-        known += (known.empty() ? "" : ", ") + one.name;
-    }
+    std::set<std::string> known;
+    for (chart::monitor &one : monitors_of(read(mapper, state, &all_names, kind_get, memory, walks), memory))
+        known.insert(std::move(one.name));
     /* One that the device has, but that is neither configured nor measured, has an empty spectrum. */
-    const auto inventory = device::list_monitors(state);
-    if (!found && std::ranges::find(inventory, name) != inventory.end())
-        return {name, {}, {}};
-    if (!found)
-        throw unknown_monitor(name + ": no such monitor; the device has " + (known.empty() ? "none" : known));
+    for (std::string &one : device::list_monitors(state))
+        known.insert(std::move(one));
+    if (!known.contains(name)) {
+        std::string list;
+        for (const std::string &one : known)
+            list += (list.empty() ? "" : ", ") + one;
+        throw unknown_monitor(name + ": no such monitor; the device has " + (list.empty() ? "none" : list));
+    }
     const dtf_datatree filter = filter_for(name.c_str(), memory);
     const auto monitors = monitors_of(read(mapper, state, &filter, kind_get, memory, walks), memory);
     return monitors.empty() ? chart::monitor{name, {}, {}} : monitors.front();
