@@ -7,6 +7,7 @@
 
 #include <iostream>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <vector>
 
@@ -28,7 +29,10 @@ void change_inventory(const std::vector<std::string> &names, const global_option
 {
     const device::folder device = device::folder::open(globals.device_folder());
     ostore::write_transaction txn(device.database());
+    std::set<std::string> done;
     for (const std::string &name : names) {
+        if (!done.insert(name).second)
+            throw std::runtime_error(name + ": is given twice");
         if (!change(txn, name))
             throw std::runtime_error(name + ": " + otherwise);
     }

@@ -1,5 +1,7 @@
 /* chmon: OpenConfig channel monitors on a device that only knows its own models. */
+#include "argument_checks.h"
 #include "commands.h"
+#include "standard_streams.h"
 
 #include <CLI/CLI.hpp>
 
@@ -50,15 +52,17 @@ std::string said_plainly(std::string message)
     return message;
 }
 
-/* What is wrong with the command line. An argument in a command's place is what is meant, not that none is there. */
+/* What is wrong with the command line. A word that nothing knows is what is meant, not that another one is missing. */
 std::string usage_error(const CLI::App *app, const CLI::Error &wrong)
 {
     const auto left = app->remaining(true);
     std::string message = said_plainly(wrong.what());
     while (!app->get_subcommands().empty())
         app = app->get_subcommands().front();
-    if (app->get_require_subcommand_min() > 0 && !left.empty())
-        message = (left.front().starts_with('-') ? "unknown option '" : "unknown command '") + left.front() + '\'';
+    if (!left.empty() && left.front().starts_with('-'))
+        message = "unknown option '" + left.front() + '\'';
+    else if (!left.empty() && app->get_require_subcommand_min() > 0)
+        message = "unknown command '" + left.front() + '\'';
     return one_line(std::move(message)) + "; see chmon --help\n";
 }
 
@@ -82,6 +86,7 @@ int run(int argc, char **argv)
     cli::add_edit(app, globals);
     cli::add_show(app, globals);
     cli::add_common_footer(app);
+    cli::refuse_empty_arguments(app);
     app.footer("Each command has a --help of its own.");
     try {
         app.parse(argc, argv);
@@ -95,6 +100,7 @@ int run(int argc, char **argv)
 
 int main(int argc, char **argv)
 {
+    cli::hold_standard_streams();
     std::ios::sync_with_stdio(false);
     /* A file that may not grow further is an error of its writing, as a full disk is, and no reason to be killed. */
     std::signal(SIGXFSZ, SIG_IGN);

@@ -1,3 +1,4 @@
+#include "argument_checks.h"
 #include "commands.h"
 #include "format_option.h"
 
@@ -40,6 +41,7 @@ void add_map(CLI::App &app, global_options &globals)
         ->required();
     add_format_option(*command, arguments->options.format, "without it as the document is");
     command->add_option("--kind", arguments->options.kind, "Kind of the request that the data answers")
+        ->check(decimal)
         ->capture_default_str();
     command->add_flag("--validate", arguments->options.validate,
                       "Check the document and the result against the YANG modules");

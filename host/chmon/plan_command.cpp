@@ -1,3 +1,4 @@
+#include "argument_checks.h"
 #include "commands.h"
 #include "format_option.h"
 
@@ -34,6 +35,7 @@ void add_plan(CLI::App &app, global_options &globals)
     command
         ->add_option("--kind", options->kind,
                      "Kind of the request: 10 get, 0 get-config, 1 edit; others for those who debug a mapping")
+        ->check(decimal)
         ->capture_default_str();
     add_format_option(*command, options->format, "without it as the request is");
     command->callback([options, &globals] { plan(*options, globals); });

@@ -1,3 +1,4 @@
+#include "argument_checks.h"
 #include "commands.h"
 #include "terminal.h"
 
@@ -15,9 +16,6 @@
 namespace cli {
 
 namespace {
-
-/* An empty argument is a variable that was not set, and not the wish for what comes without the argument. */
-const CLI::Validator not_empty([](const std::string &given) { return given.empty() ? "is empty" : ""; }, "");
 
 using namespace service::chart;
 
@@ -70,16 +68,15 @@ void add_show(CLI::App &app, global_options &globals)
     CLI::App *const command = app.add_subcommand("show", "Show the monitors, or the spectrum of one of them");
     const auto arguments = std::make_shared<show_arguments>();
     CLI::Option *const monitor =
-        command->add_option("MONITOR", arguments->monitor, "The one to draw; without it a table of all")
-            ->check(not_empty);
+        command->add_option("MONITOR", arguments->monitor, "The one to draw; without it a table of all");
     command->add_option("--svg", arguments->picture, "Write the spectrum as a picture; - is standard output")
         ->type_name("FILE")
-        ->check(not_empty)
         ->needs(monitor);
     command
         ->add_option_function<std::size_t>(
             "--width", [arguments](std::size_t columns) { arguments->width = columns; },
             "Columns to fill; without it as many as the terminal has, else $COLUMNS, else 80")
+        ->check(decimal)
         ->check(CLI::Range(least_width, most_width));
     command->add_flag("--ascii", arguments->ascii, "No other characters than those of ASCII");
     command->callback([arguments, &globals] { show(*arguments, globals); });

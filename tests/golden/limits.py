@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""The program at its limits: documents of 500 levels and more on a small stack, and files that may not grow.
+"""The program at its limits: documents of 500 levels and more on a small stack, files that may not grow, and standard
+streams that are closed, whose places no file of the device may take.
 
 usage: limits.py --chmon PROGRAM [--stack BYTES]
 
@@ -47,9 +48,14 @@ def main():
     program = str(pathlib.Path(given.chmon).resolve())
     faults, ran = [], 0
 
-    def run(line, limit=resource.RLIMIT_STACK, size=given.stack):
+    def run(line, limit=resource.RLIMIT_STACK, size=given.stack, closed=()):
+        def prepare():
+            resource.setrlimit(limit, (size, size))
+            for stream in closed:
+                os.close(stream)
+
         return subprocess.run([program, "--device", "device", *line.split()], capture_output=True, check=False,
-                              errors="backslashreplace", preexec_fn=lambda: resource.setrlimit(limit, (size, size)))
+                              errors="backslashreplace", preexec_fn=prepare)
 
     def expect(what, done, statuses, part=""):
         nonlocal ran
@@ -78,6 +84,11 @@ def main():
         for line in (f"load {EXAMPLES}/device/ots-oper.xml", f"edit {EXAMPLES}/requests/edit-add.xml"):
             for size in (1 << 10, 8 << 10, 24 << 10):
                 expect(f"{line}, files of {size} bytes", run(line, resource.RLIMIT_FSIZE, size), {1}, "cannot write")
+        loading = f"load {EXAMPLES}/device/interfaces.xml"
+        for line, closed, statuses, part in (("plan -", (0,), {1}, "standard input: cannot read"),
+                                             (loading, (1,), {1}, "cannot write; the documents are stored"),
+                                             (loading, (0, 1), {1}, "cannot write"), ("get --stats", (2,), {0}, "")):
+            expect(f"{line}, streams {closed} closed", run(line, closed=closed), statuses, part)
         if run("native").stdout != before or not before:
             faults.append("the device changed")
         expect("edit", run(f"edit {EXAMPLES}/requests/edit-add.xml"), {0})
