@@ -146,6 +146,7 @@ REQUESTS = {
     "get-all": monitors(),
     "get-names": monitors(("channel-monitor", [("name", None)])),
     "get-one": monitors(monitor("0/2-CHMON-PRE")),
+    "get-ports": monitors(monitor("0/2-CHMON-PRE", ("config", []), ("state", []))),
     "get-state": monitors(("channel-monitor", [("name", None), ("state", [])])),
     "get-spectrum": monitors(monitor("0/1-CHMON-BST", ("channels", []))),
     "get-one-channel": monitors(monitor("0/1-CHMON-BST", ("channels", [

@@ -13,8 +13,8 @@ other in a scratch copy of the folder, in which `examples` and `shared` lead to 
     status          exit statuses, one per command; without it all are 0
 
 A worked example of a document is a fenced block that begins with "$ ". "$ cat FILE" defines a file for the examples that
-follow; "$ chmon ..." is run and must print, on both outputs together, what follows it. A line that holds nothing but
-"..." stands for any number of lines.
+follow; "$ chmon ..." is run and must print, on both outputs together, what follows it, and end with the status that
+goes with an error as its last line, or with none. A line that holds nothing but "..." stands for any number of lines.
 
 What differs from run to run, times and in the plug-in's reports a context's address and the source line, is not compared.
 
@@ -128,7 +128,10 @@ def run_block(program, block, scratch):
         if program_name == "cat":
             got = (scratch / rest).read_text()
         elif program_name == "chmon":
-            _, got, _ = run_line(program, rest, scratch, subprocess.STDOUT)
+            status, got, _ = run_line(program, rest, scratch, subprocess.STDOUT)
+            complaint = got.splitlines()[-1] if got else ""
+            told = 2 if complaint.endswith("see chmon --help") else 1 if complaint.startswith("chmon: ") else 0
+            got += "" if status == told else f"exit status {status}, not {told}\n"
         else:
             got = "neither chmon nor cat FILE\n"
         wanted, got = steady("".join(text + "\n" for text in wanted)), steady(got)
