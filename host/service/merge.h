@@ -8,9 +8,10 @@
 namespace service {
 
 /*
- * Adds the top containers below `from` to those below `into`, both roots without a tag. An entry for a monitor that
- * `into` knows already gives it what it lacks, the others follow behind it. The nodes of `from` are shared, so it must
- * live as long and not be used on its own afterwards. Costs the number of monitors, not of what is below them.
+ * Adds the top containers below `from` to those below `into`, both roots without a tag. There is one entry for each
+ * monitor then, also where `from` had several: it has the parts and channels of all of them, and where two speak of the
+ * same leaf, that of the first. The nodes of `from` are shared, so it must live as long and not be used on its own
+ * afterwards. What is below a monitor costs something only where two have the same part.
  */
 void merge_monitors(framework::arena &memory, dtf_datatree &into, const dtf_datatree &from);
 
