@@ -7,6 +7,7 @@
 #include "tree_builder.h"
 
 #include <algorithm>
+#include <map>
 #include <simdjson.h>
 #include <string>
 #include <utility>
@@ -371,19 +372,25 @@ void json_reader::annotate(const name_entry *name, std::uint32_t index, std::uin
 /* Gives the current object's members what was kept for them. */
 void json_reader::apply_annotations()
 {
+    if (annotations_.empty() || annotations_.back().depth != levels_.size())
+        return;
+    const auto members = builder_.children();
+    const auto name_of = [](const char *tag, const char *ns) {
+        return std::pair(tag, ns == nullptr ? std::string_view() : std::string_view(ns));
+    };
+    /* The first of a name; others of it follow in a row. */
+    std::map<std::pair<const char *, std::string_view>, std::size_t> first;
+    for (std::size_t i = 0; i < members.size(); ++i)
+        first.emplace(name_of(members[i].tag, members[i].ns), i);
     for (; !annotations_.empty() && annotations_.back().depth == levels_.size(); annotations_.pop_back()) {
         const annotation &kept = annotations_.back();
-        const char *const ns = kept.name->ns != nullptr ? kept.name->ns : levels_.back().ns;
-        std::uint32_t index = 0;
-        const auto is_meant = [&](const dtf_datatree &child) {
-            return child.tag == kept.name->tag && same_namespace(child.ns, ns) && index++ == kept.index;
-        };
-        const auto members = builder_.children();
-        const auto found = std::ranges::find_if(members, is_meant);
-        if (found == members.end())
+        const auto name = name_of(kept.name->tag, kept.name->ns != nullptr ? kept.name->ns : levels_.back().ns);
+        const auto run = first.find(name);
+        const std::size_t at = run == first.end() ? members.size() : run->second + kept.index;
+        if (at >= members.size() || name_of(members[at].tag, members[at].ns) != name)
             builder_.fail("'@" + std::string(kept.name->text) + "' annotates no member");
         if (use_ == document_use::edit)
-            set_operation(*found, kept.operation);
+            set_operation(members[at], kept.operation);
     }
 }
 

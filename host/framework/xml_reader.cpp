@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -38,6 +39,7 @@ class xml_reader
         std::string_view prefix;
         const char *uri;   /* null: no namespace */
         std::size_t level; /* of the element that declares it; the root element is at 0 */
+        std::size_t outer; /* the one of the same prefix that it hides, as in innermost_ */
     };
 
     /* What an element's attributes say beside its namespaces. */
@@ -87,6 +89,7 @@ class xml_reader
     bool is_wrapped_ = false;              /* the root element is none of the tree */
     std::vector<xml_attribute> attributes_;
     std::vector<binding> bindings_;
+    std::unordered_map<std::string_view, std::size_t> innermost_; /* by prefix, place in bindings_ + 1; 0: none */
     const char *default_ns_ = nullptr;
 
     /* The text of the innermost element so far: one run of characters, or what comments and CDATA sections cut. */
@@ -255,7 +258,9 @@ void xml_reader::declare_namespaces(const name_entry &element)
         const std::string_view uri = value_of(attribute, element);
         if (uri.empty() && !name.empty())
             builder_.fail_child(element.text, "prefix '" + std::string(name) + "' bound to no namespace");
-        bindings_.push_back({name, uri.empty() ? nullptr : names_.namespace_of(uri), open_.size()});
+        std::size_t &innermost = innermost_[name];
+        bindings_.push_back({name, uri.empty() ? nullptr : names_.namespace_of(uri), open_.size(), innermost});
+        innermost = bindings_.size();
         if (name.empty())
             default_ns_ = bindings_.back().uri;
     }
@@ -265,8 +270,10 @@ void xml_reader::declare_namespaces(const name_entry &element)
 void xml_reader::drop_bindings(std::size_t level)
 {
     bool default_changed = false;
-    for (; !bindings_.empty() && bindings_.back().level == level; bindings_.pop_back())
+    for (; !bindings_.empty() && bindings_.back().level == level; bindings_.pop_back()) {
+        innermost_[bindings_.back().prefix] = bindings_.back().outer;
         default_changed = default_changed || bindings_.back().prefix.empty();
+    }
     if (default_changed)
         default_ns_ = find_prefix({}, {});
 }
@@ -279,9 +286,9 @@ const char *xml_reader::element_namespace(const name_entry &name) const
 /* The innermost binding; of the empty prefix none is needed. */
 const char *xml_reader::find_prefix(std::string_view prefix, std::string_view tag) const
 {
-    const auto found = std::ranges::find(bindings_.rbegin(), bindings_.rend(), prefix, &binding::prefix);
-    if (found != bindings_.rend())
-        return found->uri;
+    const auto found = innermost_.find(prefix);
+    if (found != innermost_.end() && found->second != 0)
+        return bindings_[found->second - 1].uri;
     if (prefix == "xml")
         return xml_namespace.data();
     if (!prefix.empty())
