@@ -9,6 +9,7 @@ namespace device {
 
 /// Adds what a native document holds to `records`. Throws invalid_document when it is no valid document of the native
 /// modules, or when `records` has data of the same module from another document already.
-void read_native(const schema &modules, const framework::document_text &from, format written_as, native_records &records);
+void read_native(const schema &modules, const framework::document_text &from, format written_as,
+                 native_records &records);
 
 } // namespace device

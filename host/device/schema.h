@@ -54,8 +54,8 @@ class schema
     /// that exists, else the source folder that the program was built from.
     static std::filesystem::path default_folder();
 
-    /// Throws invalid_document when the text is not a valid document of the modules; `name` says whose text it is. A NUL
-    /// follows the text.
+    /// Throws invalid_document when the text is not a valid document of the modules; `name` says whose text it is. A
+    /// NUL follows the text.
     void validate(std::string_view text, format written_as, check how, std::string_view name) const;
 
     /// As validate, and hands the parsed document out; null when the text is valid and holds no data.

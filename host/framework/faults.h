@@ -10,9 +10,9 @@ namespace framework {
 
 /* A node was not pushed: the node hierarchy holds DTF_HIERARCHY_MAX levels. */
 constexpr faultno fault_hierarchy_full = 0xaaf3a200;
-/* A list frame, an output-list entry or an instance-tree entry was not pushed. */
+/* A list frame or an instance-tree entry was not pushed. */
 constexpr faultno fault_stack_full = 0xaaf3a400;
-/* A schema path that names nothing, or that is deeper than landing::max_depth. */
+/* A schema path that names nothing, or that is deeper than path_table::max_segments. */
 constexpr faultno fault_bad_path = 0xaaf3a600;
 /* A list key of a request differs from the leaf it refers to. */
 constexpr faultno fault_leafref_mismatch = 0xaaf3a800;

@@ -1,6 +1,7 @@
 #include "json_writer.h"
 
 #include "json_text.h"
+#include "path_table.h"
 #include "ready_entry.h"
 #include "schema_facts.h"
 
@@ -126,10 +127,6 @@ class json_writer
     std::deque<std::vector<dtf_datatree>> reordered_;
 };
 
-constexpr std::uint32_t container_kind = 3; /* dtf_datatree.node_kind */
-constexpr std::uint32_t list_kind = 4;
-constexpr std::uint8_t kind_is_known = 0x04; /* dtf_datatree.kind_flags */
-
 /* Whether a node is written as an object: it has children, or is something that can have some. */
 bool is_object(const dtf_datatree &node, const schema_node *facts)
 {
@@ -139,7 +136,7 @@ bool is_object(const dtf_datatree &node, const schema_node *facts)
         return false;
     if (facts != nullptr)
         return facts->kind == schema_kind::container || facts->kind == schema_kind::list;
-    return (node.kind_flags & kind_is_known) != 0 && (node.node_kind == container_kind || node.node_kind == list_kind);
+    return is_list_entry(node);
 }
 
 void json_writer::write_document(const dtf_datatree &root)

@@ -12,11 +12,6 @@ namespace framework {
 
 namespace {
 
-bool is_list_entry(const dtf_datatree &node)
-{
-    return (node.kind_flags & kind_is_set) != 0 && node.node_kind == list_entry_kind;
-}
-
 dtf_datatree *descend(dtf_datatree *node, const std::uint32_t *steps, std::size_t depth)
 {
     for (std::size_t i = 0; i < depth; ++i)

@@ -98,11 +98,11 @@ class mapping
     /* The source of a node of the output; null where the plug-in named none. */
     const source_note *source_of(const dtf_datatree &added) const;
 
-    /* The request entries that stand for a whole list (one key leaf each), in the order of their native entries. */
+    /* The request entries that stand for a whole list, each with its key and what the request asks of the list, in the
+     * order of their native entries. */
     std::vector<const dtf_datatree *> instances() const { return instances_.all(); }
 
     const trace_ring &trace() const { return trace_; }
-    const dtf_req_ctx &request_state() const { return state_; }
 
     /* ------------------------------------------------------------------ behind the operations of dtf.h ------------ */
 

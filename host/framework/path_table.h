@@ -25,6 +25,11 @@ namespace framework {
 inline constexpr std::uint32_t list_entry_kind = 4;
 inline constexpr std::uint8_t kind_is_set = 0x04;
 
+inline bool is_list_entry(const dtf_datatree &node)
+{
+    return (node.kind_flags & kind_is_set) != 0 && node.node_kind == list_entry_kind;
+}
+
 /* A list of one of the models, as the landing of added nodes sees it. */
 struct list_schema {
     std::string path;

@@ -1,17 +1,13 @@
 /* Bounded text operations and named allocations: the C operations that need no context. */
 #include "dtf.h"
-#include "named_allocations.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdlib>
 #include <cstring>
 
 namespace framework {
 
 namespace {
-
-std::atomic<std::size_t> live_allocations{0};
 
 /*
  * Writes at most `limit` characters of `source` to a destination of `size` bytes. Nonzero when some of them did not
@@ -30,8 +26,6 @@ int copy_bounded(char *destination, std::size_t size, const char *source, std::s
 }
 
 } // namespace
-
-std::size_t live_named_allocations() { return live_allocations; }
 
 } // namespace framework
 
@@ -61,17 +55,8 @@ char *dtf_strdup(const char *text, const char *)
 {
     if (text == nullptr)
         return nullptr;
-    char *const copy = strdup(text);
-    if (copy != nullptr)
-        ++framework::live_allocations;
-    return copy;
+    return strdup(text);
 }
 
-void plat_named_free(void *allocation)
-{
-    if (allocation == nullptr)
-        return;
-    --framework::live_allocations;
-    std::free(allocation);
-}
+void plat_named_free(void *allocation) { std::free(allocation); }
 }

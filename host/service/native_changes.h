@@ -6,7 +6,6 @@
 
 #include "ostore/transaction.h"
 
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>

@@ -34,7 +34,7 @@ class request_plan
     /* The native request: a root without a tag whose children are the native models' top containers. */
     const dtf_datatree &native() const { return native_; }
 
-    /* What the walk leaves to be asked: the sources of native nodes, and the entries that stand for a whole list. */
+    /* What the walk leaves to be asked: the sources of native nodes. */
     const framework::mapping &walk() const { return walk_; }
 
   private:

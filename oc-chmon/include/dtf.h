@@ -244,7 +244,7 @@ int dtf_map_do_these_match(const char *a, const char *b);
  * new_list_entry  1: the last element of the path becomes a new list entry, even where one exists
  * ninth           1: the leaf is a key of an entry that stands for a whole-list edit; else 0
  *
- * 0, or the framework's code; on a fault the tree is as it was.
+ * 0, or the framework's code; on a fault the tree still has all that it had.
  */
 faultno dtf_map_datatree_add_path_flagged(dtf_map_ctx ctx, struct dtf_datatree *tree, const char *path, const char *ns,
                                           const char *value, const struct dtf_datatree *source,
