@@ -370,7 +370,7 @@ struct model {
         if (rc == 0 && !seen.empty_key && !seen.others && seen.keys != 0 && (read || deletes(in))) {
             const bool set_delete = seen.delete_started && r.delete_walk == 0;
             const uint32_t parked = children_held(*entry);
-            dtf_datatree *const children = parked == 0 ? nullptr : entry->children;
+            dtf_datatree *const children = (entry->flags & DTF_FLAG_HAS_SUBTREE) != 0 ? entry->children : nullptr;
             r.expand_mode = 1;
             r.delete_walk = set_delete ? 1 : r.delete_walk;
             if (deletes(in))
