@@ -5,6 +5,7 @@
 #include "framework/packed_entries.h"
 #include "framework/tree.h"
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -13,52 +14,59 @@ namespace service {
 
 namespace {
 
-/* What a node is among its siblings: its tag, and the keys of a list entry. */
+/* Nodes that are one. */
+using group = std::vector<dtf_datatree *>;
+
+/* What a node is among its siblings: its tag, and the keys of a list entry. Empty for one that lacks a key. */
 std::string identity_of(const dtf_datatree &node)
 {
-    std::string identity = node.tag;
-    const bool is_monitor = identity == "channel-monitor", is_channel = identity == "channel";
-    if (is_monitor)
-        identity.append(1, '/').append(leaf_value(node, "name"));
-    if (is_channel)
-        identity.append(1, '/').append(leaf_value(node, "lower-frequency"));
-    if (is_channel)
-        identity.append(1, '/').append(leaf_value(node, "upper-frequency"));
+    using keys = std::initializer_list<std::string_view>;
+    const std::string_view tag = node.tag;
+    std::string identity(tag);
+    for (const std::string_view key : tag == "channel-monitor" ? keys{"name"}
+                                      : tag == "channel"       ? keys{"lower-frequency", "upper-frequency"}
+                                                               : keys{}) {
+        const std::string_view value = leaf_value(node, key);
+        if (value.empty())
+            return {};
+        identity.append(1, '\0').append(value);
+    }
     return identity;
 }
 
-/* Gives `into` the children of `from`. What both have is merged in turn; of two leaves the first one stays. */
-void merge(framework::arena &memory, dtf_datatree &into, dtf_datatree &from)
+/* The children of all these nodes, those that are one together, in the order of their first. */
+std::vector<group> grouped_children(framework::arena &memory, const group &parents)
 {
-    framework::unpack_children(memory, into);
-    framework::unpack_children(memory, from);
-    /* By index, since children move when others are added behind them. */
-    std::unordered_map<std::string, std::uint32_t> known;
-    for (const dtf_datatree &child : children_of(into))
-        known.emplace(identity_of(child), static_cast<std::uint32_t>(&child - into.children));
-    for (dtf_datatree &child : children_of(from)) {
-        const auto [found, is_new] = known.emplace(identity_of(child), into.child_count);
-        if (is_new)
-            framework::add_child(memory, into) = child;
-        else
-            merge(memory, into.children[found->second], child);
+    std::vector<group> groups;
+    std::unordered_map<std::string, std::size_t> known;
+    for (dtf_datatree *const parent : parents) {
+        framework::unpack_children(memory, *parent);
+        for (dtf_datatree &child : children_of(*parent)) {
+            const std::string identity = identity_of(child);
+            const auto [found, is_new] = known.emplace(identity, groups.size());
+            if (is_new || identity.empty())
+                groups.push_back({&child});
+            else
+                groups[found->second].push_back(&child);
+        }
     }
+    return groups;
 }
 
 } // namespace
 
-void merge_monitors(framework::arena &memory, dtf_datatree &into, const dtf_datatree &from)
+void merge(framework::arena &memory, dtf_datatree &into, const group &parents)
 {
-    for (dtf_datatree &top : children_of(from)) {
-        dtf_datatree *known = framework::find_child(into, top.tag);
-        if (known == nullptr) {
-            known = &framework::add_child(memory, into);
-            *known = top;
-            known->children = nullptr;
-            known->child_count = known->child_room = 0;
-            known->flags &= ~DTF_FLAG_HAS_SUBTREE;
-        }
-        merge(memory, *known, top);
+    for (const group &same : grouped_children(memory, parents)) {
+        dtf_datatree &child = framework::add_child(memory, into);
+        child = *same.front();
+        /* A single node has nothing to merge, but for the monitors, of which two entries may be one. */
+        if (same.size() == 1 && child.tag != std::string_view(monitors_tag))
+            continue;
+        child.children = nullptr;
+        child.child_count = child.child_room = 0;
+        child.flags &= ~DTF_FLAG_HAS_SUBTREE;
+        merge(memory, child, same);
     }
 }
 

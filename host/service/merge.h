@@ -1,19 +1,21 @@
-/* Two trees of channel monitors become one. */
+/* Trees of channel monitors become one. */
 #ifndef SERVICE_MERGE_H
 #define SERVICE_MERGE_H
 
 #include "dtf.h"
 #include "framework/arena.h"
 
+#include <vector>
+
 namespace service {
 
 /*
- * Adds the top containers below `from` to those below `into`, both roots without a tag. There is one entry for each
- * monitor then, also where `from` had several: it has the parts and channels of all of them, and where two speak of the
- * same leaf, that of the first. The nodes of `from` are shared, so it must live as long and not be used on its own
- * afterwards. What is below a monitor costs something only where two have the same part.
+ * Gives `into` the children of all `parents`. Containers of one name become one, and so do list entries with the same
+ * keys, with all that the single ones have, in the order in which it comes; of two leaves the first one stays. The
+ * nodes are shared with the parents, which must live as long and not be used on their own afterwards. Linear in the
+ * monitors, and in what is below those that there are several of.
  */
-void merge_monitors(framework::arena &memory, dtf_datatree &into, const dtf_datatree &from);
+void merge(framework::arena &memory, dtf_datatree &into, const std::vector<dtf_datatree *> &parents);
 
 } // namespace service
 

@@ -12,9 +12,11 @@
 
 #include <algorithm>
 #include <array>
+#include <deque>
 #include <span>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace service {
 
@@ -59,7 +61,7 @@ dtf_datatree map_native(const plugin &mapper, const dtf_datatree &native, const 
     const auto models = native_models(mapper);
     const std::span<const dtf_datatree> tops = children_of(native);
     check_models(tops, models, name);
-    dtf_datatree reply{};
+    std::deque<dtf_datatree> mapped;
     for (const native_model &model : models) {
         for (const dtf_datatree &top : tops) {
             if (!is_top_of(top, model))
@@ -67,11 +69,14 @@ dtf_datatree map_native(const plugin &mapper, const dtf_datatree &native, const 
             auto options = mapping_options_for(walks, framework::direction::native_to_openconfig, kind);
             options.packs_entries = true;
             framework::mapping walk(std::move(options), memory);
-            dtf_datatree mapped{};
-            run_walk(walk, model.walker, top, mapped, walks);
-            merge_monitors(memory, reply, mapped);
+            run_walk(walk, model.walker, top, mapped.emplace_back(), walks);
         }
     }
+    std::vector<dtf_datatree *> parents;
+    for (dtf_datatree &one : mapped)
+        parents.push_back(&one);
+    dtf_datatree reply{};
+    merge(memory, reply, parents);
     return reply;
 }
 
