@@ -59,10 +59,15 @@ std::string usage_error(const CLI::App *app, const CLI::Error &wrong)
     std::string message = said_plainly(wrong.what());
     while (!app->get_subcommands().empty())
         app = app->get_subcommands().front();
-    if (!left.empty() && left.front().starts_with('-'))
-        message = "unknown option '" + left.front() + '\'';
-    else if (!left.empty() && app->get_require_subcommand_min() > 0)
-        message = "unknown command '" + left.front() + '\'';
+    /* Behind "--" no word is an option, and "-" alone is a file. */
+    const auto end = std::ranges::find(left, "--");
+    const auto option =
+        std::find_if(left.begin(), end, [](const auto &one) { return one.size() > 1 && one.starts_with('-'); });
+    const auto word = std::ranges::find_if(left, [](const auto &one) { return one != "--"; });
+    if (option != end)
+        message = "unknown option '" + *option + '\'';
+    else if (word != left.end() && app->get_require_subcommand_min() > 0)
+        message = "unknown command '" + *word + '\'';
     return one_line(std::move(message)) + "; see chmon --help\n";
 }
 

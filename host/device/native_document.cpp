@@ -95,7 +95,7 @@ void read_ots_oper(const lyd_node *container, native_records &records)
 
 bool is_native(const lyd_node *top) { return has_name(top, "interface-configurations") || has_name(top, "ots-oper"); }
 
-/// The document's tree. Of one that is of another module this is told, and not what else is wrong with it.
+/// The document's tree. Of one that fits another of our modules this is told, and not what else is wrong with it.
 data_tree parse(const schema &modules, const framework::document_text &from, format written_as)
 {
     const auto inner = written_as == format::xml ? framework::without_wrapper(from) : std::nullopt;

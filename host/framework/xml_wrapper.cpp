@@ -2,6 +2,7 @@
 
 #include "edit_operations.h"
 #include "xml_cursor.h"
+#include "xml_text.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -14,6 +15,9 @@ namespace framework {
 namespace {
 
 using attributes = std::vector<xml_attribute>;
+
+/* Bytes of repeated declarations: few where a document has an element or two in its wrapper, without end in others. */
+constexpr std::size_t most_declared = std::size_t{1} << 20;
 
 bool is_declaration(std::string_view attribute) { return attribute == "xmlns" || attribute.starts_with("xmlns:"); }
 
@@ -32,14 +36,17 @@ bool is_wrapper(std::string_view name, const attributes &declared)
         return false;
     const std::string declaration = is_prefixed ? "xmlns:" + std::string(name.substr(0, colon)) : "xmlns";
     const auto found = std::ranges::find(declared, declaration, &xml_attribute::name);
-    return found == declared.end() ? !is_prefixed : found->value == netconf_namespace;
+    const std::string_view uri = found == declared.end() ? std::string_view() : trim_xml(found->value);
+    return uri.empty() ? !is_prefixed : uri == netconf_namespace;
 }
 
 /* The outline of a document with a wrapper. */
 class wrapped_document
 {
   public:
-    explicit wrapped_document(const document_text &text) : text_(text), cursor_(text) {}
+    explicit wrapped_document(const document_text &text) : text_(text), cursor_(text), done_(byte_order_mark_size(text))
+    {
+    }
 
     /* What is in the wrapper; none where the document has none. */
     std::optional<std::string> inner()
@@ -127,6 +134,9 @@ class wrapped_document
 
     void declare(const xml_attribute &declaration)
     {
+        declared_size_ += declaration.name.size() + declaration.value.size();
+        if (declared_size_ > most_declared)
+            cursor_.fail("the namespaces of <" + std::string(open_.front()) + "> are too long to say for each element");
         const char quote = declaration.value.find('"') == std::string_view::npos ? '"' : '\'';
         inner_.append(" ").append(declaration.name).append("=");
         inner_.append(1, quote).append(declaration.value).append(1, quote);
@@ -148,7 +158,8 @@ class wrapped_document
     xml_cursor cursor_;
     std::vector<std::string_view> open_; /* elements, the wrapper first */
     attributes declared_;
-    std::size_t done_ = 0; /* bytes of the text that are in inner_ */
+    std::size_t done_; /* bytes of the text that are in inner_, or of the mark before it */
+    std::size_t declared_size_ = 0;
     std::string inner_;
 };
 

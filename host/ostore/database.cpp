@@ -3,6 +3,7 @@
 #include "ostore/lmdb_value.h"
 
 #include <cerrno>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -117,8 +118,9 @@ void database::open_environment(std::size_t map_size, opening how)
     const unsigned int private_file = how == opening::anonymous ? MDB_NOLOCK | MDB_NOSYNC : 0;
     const int code = mdb_env_open(env, file_.path().c_str(), MDB_NOSUBDIR | MDB_NOTLS | private_file, 0640);
     if (code == ENOMEM)
-        throw store_error(store_fault::failed, "store " + file() + ": cannot open: the process may not have the " +
-                                                   std::to_string(map_size) + " bytes of address space that it takes");
+        throw store_error(store_fault::failed, "store " + file() + ": cannot open: it takes " +
+                                                   std::to_string(map_size) +
+                                                   " bytes of address space, if it is not damaged");
     check_store(file(), "open", code);
     int cleared = 0;
     check_store(file(), "clear dead readers", mdb_reader_check(env, &cleared));
@@ -132,7 +134,8 @@ std::size_t database::used_size() const
     MDB_stat stat{};
     check_store(file(), "look at the store", mdb_env_info(env_.get(), &info));
     check_store(file(), "look at the store", mdb_env_stat(env_.get(), &stat));
-    return (info.me_last_pgno + 1) * stat.ms_psize;
+    const std::size_t most_pages = std::numeric_limits<std::size_t>::max() / stat.ms_psize;
+    return info.me_last_pgno < most_pages ? (info.me_last_pgno + 1) * stat.ms_psize : most_pages * stat.ms_psize;
 }
 
 /*

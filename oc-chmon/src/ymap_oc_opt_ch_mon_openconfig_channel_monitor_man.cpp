@@ -77,8 +77,8 @@ faultno add_named_entry(dtf_map_ctx ctx, dtf_datatree *out)
     return add_path(ctx, out, ots_namespace, port_spectrum, NULL);
 }
 
-/* Whether the request names a monitor anywhere; the search starts at the root of the request, which was recorded first.
- */
+/* Whether the request names a monitor anywhere; the search starts at the root of the request, which was recorded first:
+ * within a walk there always is one. */
 bool names_monitor(dtf_map_ctx ctx)
 {
     char path[value_size] = {};

@@ -19,7 +19,7 @@ namespace {
 std::filesystem::path end_of_links(std::filesystem::path path, std::error_code &wrong)
 {
     constexpr int most_links = 40; /* as the system follows */
-    for (int i = 0; i < most_links; ++i) {
+    for (int i = 0; i <= most_links; ++i) {
         std::error_code missing; /* or not to be looked at, as writing will tell */
         if (!is_symlink(symlink_status(path, missing)))
             return path;
@@ -61,12 +61,14 @@ void write_picture(const std::filesystem::path &file, const std::string &text)
     const unfinished_file fresh(target.string() + ".new-" + std::to_string(getpid()));
     errno = 0;
     std::ofstream stream(fresh.name, std::ios::binary);
+    if (exists(before))
+        permissions(fresh.name, before.permissions(), wrong); /* before there is anything to read in it */
+    if (wrong)
+        fail(file, wrong.message());
     stream << text;
     stream.close();
     if (!stream)
         fail(file, errno != 0 ? std::strerror(errno) : "cannot write");
-    if (exists(before))
-        permissions(fresh.name, before.permissions(), wrong);
     std::filesystem::rename(fresh.name, target, wrong);
     if (wrong)
         fail(file, wrong.message());
