@@ -53,15 +53,18 @@ void write_picture(const std::filesystem::path &file, const std::string &text)
     std::error_code wrong;
     /* What a link leads to is replaced or made, not the link; what is no regular file (a device, a folder) never is. */
     const std::filesystem::path target = end_of_links(file, wrong);
-    const std::filesystem::file_status before = wrong ? std::filesystem::file_status() : status(target, wrong);
-    if (wrong && before.type() != std::filesystem::file_type::not_found)
+    if (wrong)
         fail(file, wrong.message());
+    std::error_code unseen;
+    const std::filesystem::file_status before = status(target, unseen);
+    if (before.type() == std::filesystem::file_type::none)
+        fail(file, unseen.message());
     if (exists(before) && !is_regular_file(before))
         fail(file, "is no regular file");
     const unfinished_file fresh(target.string() + ".new-" + std::to_string(getpid()));
     errno = 0;
     std::ofstream stream(fresh.name, std::ios::binary);
-    if (exists(before))
+    if (stream && exists(before))
         permissions(fresh.name, before.permissions(), wrong); /* before there is anything to read in it */
     if (wrong)
         fail(file, wrong.message());
