@@ -73,6 +73,7 @@ dtf_datatree map_native(const plugin &mapper, const dtf_datatree &native, const 
         }
     }
     std::vector<dtf_datatree *> parents;
+    parents.reserve(mapped.size());
     for (dtf_datatree &one : mapped)
         parents.push_back(&one);
     dtf_datatree reply{};
