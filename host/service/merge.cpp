@@ -5,7 +5,8 @@
 #include "framework/packed_entries.h"
 #include "framework/tree.h"
 
-#include <initializer_list>
+#include <array>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -17,15 +18,21 @@ namespace {
 /* Nodes that are one. */
 using group = std::vector<dtf_datatree *>;
 
+/* The keys of a list entry, none for other nodes. */
+std::span<const std::string_view> keys_of(std::string_view tag)
+{
+    static constexpr std::array<std::string_view, 1> monitor = {"name"};
+    static constexpr std::array<std::string_view, 2> channel = {"lower-frequency", "upper-frequency"};
+    if (tag == "channel-monitor")
+        return monitor;
+    return tag == "channel" ? std::span<const std::string_view>(channel) : std::span<const std::string_view>();
+}
+
 /* What a node is among its siblings: its tag, and the keys of a list entry. Empty for one that lacks a key. */
 std::string identity_of(const dtf_datatree &node)
 {
-    using keys = std::initializer_list<std::string_view>;
-    const std::string_view tag = node.tag;
-    std::string identity(tag);
-    for (const std::string_view key : tag == "channel-monitor" ? keys{"name"}
-                                      : tag == "channel"       ? keys{"lower-frequency", "upper-frequency"}
-                                                               : keys{}) {
+    std::string identity = node.tag;
+    for (const std::string_view key : keys_of(node.tag)) {
         const std::string_view value = leaf_value(node, key);
         if (value.empty())
             return {};
